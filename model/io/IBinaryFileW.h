@@ -1,0 +1,66 @@
+#pragma once
+// The abstract byte sink of the writer, with the little-endian primitive writers of the file.
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "core/Math.h"
+
+namespace io {
+
+static_assert(std::endian::native == std::endian::little,
+              "block writers copy memory as it stands and need a little-endian host");
+
+class IBinaryFileW {
+public:
+    virtual ~IBinaryFileW() = default;
+    virtual bool isOpen() const = 0;
+    // Writes size bytes at the cursor; returns the number written.
+    virtual std::size_t write(const void* data, std::size_t size) = 0;
+    virtual void seek(std::uint64_t position) = 0;
+    virtual std::uint64_t tell() const = 0;
+    virtual std::string name() const = 0;
+    // The base form: the length as u32, then the bytes, no terminator.
+    virtual void writeString(std::string_view text) {
+        writeU32(static_cast<std::uint32_t>(text.size()));
+        write(text.data(), text.size());
+    }
+
+    // Integers are composed by shifts so the file's order does not depend on the host's.
+    void writeU8(std::uint8_t v) { write(&v, 1); }
+    void writeU16(std::uint16_t v) {
+        unsigned char b[2] = {static_cast<unsigned char>(v), static_cast<unsigned char>(v >> 8)};
+        write(b, 2);
+    }
+    void writeU32(std::uint32_t v) {
+        unsigned char b[4];
+        for (int i = 0; i < 4; ++i) {
+            b[i] = static_cast<unsigned char>(v >> (8 * i));
+        }
+        write(b, 4);
+    }
+    void writeU64(std::uint64_t v) {
+        unsigned char b[8];
+        for (int i = 0; i < 8; ++i) {
+            b[i] = static_cast<unsigned char>(v >> (8 * i));
+        }
+        write(b, 8);
+    }
+    void writeF32(float v) { writeU32(std::bit_cast<std::uint32_t>(v)); }
+    void writeF64(double v) { writeU64(std::bit_cast<std::uint64_t>(v)); }
+
+    // Blocks copy the in-memory structure as it stands.
+    void writeBlock(const osg::Vec2f& v) { write(v.v, 8); }
+    void writeBlock(const osg::Vec3f& v) { write(v.v, 12); }
+    void writeBlock(const osg::Vec4f& v) { write(v.v, 16); }
+    void writeBlock(const nq::Vec3d& v) { write(v.v, 24); }
+    void writeBlock(const nq::Vec4d& v) { write(v.v, 32); }
+    void writeBlock(const nq::Quatd& v) { write(v.v, 32); }
+    void writeBlock(const nq::Matrixf& v) { write(v.m.data(), 64); }
+    void writeBlock(const nq::Matrixd& v) { write(v.m.data(), 128); }
+};
+
+}  // namespace io
