@@ -1,0 +1,116 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <random>
+#include <string>
+
+#include "model/io/MemBinaryFileW.h"
+#include "model/io/StringPool.h"
+
+namespace {
+
+using model::MemBinaryFileW;
+using model::StringPool;
+
+std::string bytesOf(const MemBinaryFileW& f) {
+    return std::string(f.buffer().begin(), f.buffer().end());
+}
+
+TEST(MemBinaryFileW, WriteInsertsAtTheCursor) {
+    MemBinaryFileW f;
+    EXPECT_TRUE(f.isOpen());
+    EXPECT_EQ(f.name(), "buffer");
+    f.write("abcd", 4);
+    EXPECT_EQ(f.tell(), 4u);
+    f.seek(1);
+    f.write("XY", 2);
+    EXPECT_EQ(f.tell(), 3u);
+    EXPECT_EQ(bytesOf(f), "aXYbcd");
+    f.seek(6);
+    f.writeU32(0x04030201);
+    EXPECT_EQ(bytesOf(f), std::string("aXYbcd\x01\x02\x03\x04", 10));
+    f.seek(0);
+    f.writeU16(10);
+    f.writeF32(1.0f);
+    EXPECT_EQ(bytesOf(f).substr(0, 6), std::string("\x0a\x00\x00\x00\x80\x3f", 6));
+}
+
+TEST(MemBinaryFileW, WriteStringWritesTheOrdinalOfFirstUse) {
+    MemBinaryFileW f;
+    f.writeString("model::RootNode");
+    f.writeString("NAME");
+    f.writeString("model::RootNode");
+    f.writeString(std::string_view("NAME\0tail", 9));  // only the text before the NUL counts
+    EXPECT_EQ(bytesOf(f), std::string("\0\0\0\0\1\0\0\0\0\0\0\0\1\0\0\0", 16));
+    std::vector<char> table = f.strings().flatten();
+    EXPECT_EQ(std::string(table.begin(), table.end()), std::string("model::RootNode\0NAME\0", 21));
+}
+
+TEST(StringPool, LongTextGetsAPageOfExactlyItsSizeAndTheNextStartsAnew) {
+    StringPool pool(4096);
+    pool.intern("short");
+    std::string longText(5000, 'x');
+    pool.intern(longText);
+    pool.intern("after");
+    ASSERT_EQ(pool.pages().size(), 3u);
+    EXPECT_EQ(pool.pages()[0].bytes.size(), 4096u);
+    EXPECT_EQ(pool.pages()[1].bytes.size(), 5001u);
+    EXPECT_EQ(pool.pages()[1].used, 5001u);
+    EXPECT_EQ(pool.pages()[2].count, 1u);
+    std::vector<char> table = pool.flatten();
+    EXPECT_EQ(std::string(table.begin(), table.end()),
+              std::string("short\0", 6) + longText + '\0' + std::string("after\0", 6));
+}
+
+TEST(StringPool, TextThatFillsAPageExactlyStaysOnIt) {
+    StringPool pool(8);
+    pool.intern("abc");       // 4 bytes
+    pool.intern("def");       // 4 bytes: the page is now full
+    pool.intern("g");         // new page
+    pool.intern("abcdefgh");  // 9 bytes > page: a page of its own
+    ASSERT_EQ(pool.pages().size(), 3u);
+    EXPECT_EQ(pool.pages()[0].used, 8u);
+    EXPECT_EQ(pool.pages()[0].count, 2u);
+    EXPECT_EQ(pool.pages()[2].bytes.size(), 9u);
+    EXPECT_EQ(pool.ordinal("abcdefgh"), 3u);
+    EXPECT_EQ(pool.ordinal("missing"), 0xFFFFFFFFu);
+}
+
+// The indexed lookup must give the ordinals a linear scan of the stored strings would.
+TEST(StringPool, IndexedInternMatchesLinearSearch) {
+    std::mt19937 rng(7);
+    for (int round = 0; round < 100; ++round) {
+        StringPool pool(std::uniform_int_distribution<int>(4, 64)(rng));
+        std::vector<std::string> reference;
+        for (int i = 0; i < 300; ++i) {
+            std::string text;
+            int len = std::uniform_int_distribution<int>(0, 80)(rng);
+            for (int k = 0; k < len; ++k) {
+                text += static_cast<char>('a' + std::uniform_int_distribution<int>(0, 2)(rng));
+            }
+            pool.intern(text);
+            std::uint32_t expected = 0xFFFFFFFFu;
+            for (std::size_t s = 0; s < reference.size(); ++s) {
+                if (reference[s] == text) {
+                    expected = static_cast<std::uint32_t>(s);
+                    break;
+                }
+            }
+            if (expected == 0xFFFFFFFFu) {
+                expected = static_cast<std::uint32_t>(reference.size());
+                reference.push_back(text);
+            }
+            ASSERT_EQ(pool.ordinal(text), expected);
+            ASSERT_STREQ(pool.index()[expected], text.c_str());
+        }
+        std::string joined;
+        for (const auto& s : reference) {
+            joined += s;
+            joined += '\0';
+        }
+        std::vector<char> table = pool.flatten();
+        ASSERT_EQ(std::string(table.begin(), table.end()), joined);
+    }
+}
+
+}  // namespace
