@@ -1,0 +1,32 @@
+#pragma once
+// Floats per vertex of each of the 27 semantics, 0 when absent.
+
+#include <array>
+#include <cstdint>
+
+#include "model/VertexSemantic.h"
+
+namespace io {
+class IBinaryFileW;
+class IBinaryFileR;
+}  // namespace io
+
+namespace model {
+
+struct VertexFormat {
+    std::array<std::uint8_t, kVertexSemanticCount> counts{};
+
+    // Checked access: a number outside 0 to 26 throws std::out_of_range.
+    std::uint8_t& operator[](int semantic);
+    std::uint8_t operator[](int semantic) const;
+
+    bool operator==(const VertexFormat&) const = default;
+    // Floats per vertex.
+    unsigned sum() const;
+
+    // The persistent form: u32 27, then the 27 counts.
+    void save(io::IBinaryFileW& file) const;
+    void load(io::IBinaryFileR& file);
+};
+
+}  // namespace model
