@@ -26,6 +26,7 @@ public:
     const std::vector<unsigned char>& buffer() const { return buffer_; }
     std::vector<unsigned char>& buffer() { return buffer_; }
     StringPool& strings() { return strings_; }
+    const StringPool& strings() const { return strings_; }
 
 private:
     std::vector<unsigned char> buffer_;
