@@ -1,0 +1,28 @@
+-- The functions that user-defined text calls on the right side of its fields.
+--
+-- Each returns a table whose first element names the kind and whose other elements are the
+-- arguments exactly as given; the parser flattens nested tables, so the vectors of an animation
+-- arrive as their tag and components. Arguments are passed on whatever their number: checking
+-- the count is the handlers' work, so that "uint(1, 2)" is reported rather than cut short.
+
+function vec2(...) return { "vec2", ... } end
+function vec3(...) return { "vec3", ... } end
+function vec4(...) return { "vec4", ... } end
+function uint(...) return { "uint", ... } end
+
+-- argument(n): the number of the argument that drives a property.
+function argument(...) return { "argument", ... } end
+
+-- animation(arg, time, value, time, value, ...): float keys along argument arg.
+function animation(...) return { "animation", ... } end
+
+-- anim(time, value, time, value, ...): float keys with no argument number.
+function anim(...) return { "anim", ... } end
+
+-- animation_vecN(arg, time, vecN(...), time, vecN(...), ...): vector keys along argument arg.
+function animation_vec2(...) return { "animation_vec2", ... } end
+function animation_vec3(...) return { "animation_vec3", ... } end
+function animation_vec4(...) return { "animation_vec4", ... } end
+
+-- array(a, b, c, ...): a named list of numbers.
+function array(...) return { "array", ... } end
