@@ -1,6 +1,8 @@
 #pragma once
 // The base of every model object, and the pointer type that holds them.
 
+#include <cstddef>
+
 #include "core/Ptr.h"
 #include "core/Shared.h"
 
@@ -18,6 +20,11 @@ public:
 
     // The registry that made this object, or null for objects constructed directly.
     ObjectRegistry* registry = nullptr;
+
+private:
+    friend class ObjectRegistry;
+    // The object's position in its registry's live list, so that forgetting it needs no search.
+    std::size_t registrySlot_ = 0;
 };
 
 // Unhooks a dying object from the registry that made it, then destroys it.

@@ -47,7 +47,7 @@ std::size_t ObjectRegistry::classCount() const {
 
 Ptr<IObject> ObjectRegistry::adopt(IObject* object) {
     object->registry = this;
-    positions_.emplace(object, objects_.size());
+    object->registrySlot_ = objects_.size();
     objects_.push_back(object);
     return Ptr<IObject>(object);
 }
@@ -78,17 +78,15 @@ Ptr<IObject> ObjectRegistry::copyObject(const IObject& source, std::string_view 
 
 void ObjectRegistry::forget(IObject* object) {
     std::lock_guard<std::mutex> guard(lock_);
-    auto it = positions_.find(object);
-    if (it == positions_.end()) {
+    std::size_t slot = object->registrySlot_;
+    if (slot >= objects_.size() || objects_[slot] != object) {
         return;
     }
-    std::size_t slot = it->second;
-    positions_.erase(it);
     std::size_t last = objects_.size() - 1;
     if (slot != last) {
         IObject* moved = objects_[last];
         objects_[slot] = moved;
-        positions_[moved] = slot;
+        moved->registrySlot_ = slot;
     }
     objects_.pop_back();
 }

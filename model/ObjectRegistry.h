@@ -71,9 +71,8 @@ private:
         std::unordered_map<std::string, std::unique_ptr<IregClass>, nq::Fnv1aHash, std::equal_to<>>;
     ClassMap classes_;
     mutable std::mutex lock_;
+    // Each object's position here is kept in the object itself.
     std::vector<IObject*> objects_;
-    // Position of each live object in objects_, so that forget needs no search.
-    std::unordered_map<const IObject*, std::size_t> positions_;
 };
 
 // Registers every class of the model under its file name. Defined beside the classes.

@@ -19,7 +19,7 @@ public:
     Property() : IStaticProperty(PropertyTraits<T>::tag) {}
     Property(std::string_view propertyName, T propertyValue)
         : IStaticProperty(PropertyTraits<T>::tag), value(std::move(propertyValue)) {
-        name = propertyName;
+        name = std::string(propertyName);
     }
 
     std::string_view className() const override { return kClassName; }

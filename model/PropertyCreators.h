@@ -19,7 +19,7 @@ template <class P>
 Ptr<P> createProperty(std::string_view name, typename P::value_type value) {
     Ptr<P> p = createAs<P>(P::kClassName);
     if (p) {
-        p->name = name;
+        p->name = std::string(name);  // via a temporary: g++ 12 misreports a direct assign (-Wrestrict)
         p->value = std::move(value);
     }
     return p;
@@ -30,7 +30,7 @@ Ptr<P> createAnimatedProperty(std::string_view name, std::uint32_t argument,
                               std::vector<typename P::Key> keys = {}) {
     Ptr<P> p = createAs<P>(P::kClassName);
     if (p) {
-        p->name = name;
+        p->name = std::string(name);  // via a temporary: g++ 12 misreports a direct assign (-Wrestrict)
         p->argument = argument;
         p->keys = std::move(keys);
     }
@@ -58,7 +58,7 @@ inline Ptr<StringProperty> createStringProperty(std::string_view name, std::stri
 inline Ptr<ArgumentProperty> createArgumentProperty(std::string_view name, std::uint32_t argument) {
     Ptr<ArgumentProperty> p = createAs<ArgumentProperty>(ArgumentProperty::kClassName);
     if (p) {
-        p->name = name;
+        p->name = std::string(name);  // via a temporary: g++ 12 misreports a direct assign (-Wrestrict)
         p->argument = argument;
     }
     return p;
