@@ -63,6 +63,24 @@ const std::ctype<wchar_t>* unicodeCtype() {
     return facet;
 }
 
+constexpr char32_t kReplacement = 0xFFFD;
+
+bool isContinuation(char c) {
+    return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
+}
+
+void appendWide(std::wstring& out, char32_t cp) {
+    if constexpr (sizeof(wchar_t) == 2) {
+        if (cp >= 0x10000) {
+            cp -= 0x10000;
+            out += static_cast<wchar_t>(0xD800 + (cp >> 10));
+            out += static_cast<wchar_t>(0xDC00 + (cp & 0x3FF));
+            return;
+        }
+    }
+    out += static_cast<wchar_t>(cp);
+}
+
 }  // namespace
 
 std::string utf8ToLower(std::string_view text) {
@@ -98,6 +116,53 @@ bool isValidUtf8(std::string_view text) {
         i += len;
     }
     return true;
+}
+
+std::wstring utf8ToWide(std::string_view text) {
+    std::wstring out;
+    out.reserve(text.size());
+    for (std::size_t i = 0; i < text.size();) {
+        char32_t cp = 0;
+        std::size_t len = decode(text, i, cp);
+        if (len == 0) {
+            cp = kReplacement;
+            len = 1;
+        }
+        appendWide(out, cp);
+        i += len;
+    }
+    return out;
+}
+
+std::string wideToUtf8(std::wstring_view text) {
+    std::string out;
+    out.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        char32_t cp = static_cast<char32_t>(text[i]);
+        if constexpr (sizeof(wchar_t) == 2) {
+            cp &= 0xFFFF;
+            char32_t low = i + 1 < text.size() ? static_cast<char32_t>(text[i + 1]) & 0xFFFF : 0;
+            if (cp >= 0xD800 && cp <= 0xDBFF && low >= 0xDC00 && low <= 0xDFFF) {
+                encode(0x10000 + ((cp - 0xD800) << 10) + (low - 0xDC00), out);
+                ++i;
+                continue;
+            }
+        }
+        encode((cp >= 0xD800 && cp <= 0xDFFF) || cp > 0x10FFFF ? kReplacement : cp, out);
+    }
+    return out;
+}
+
+std::size_t utf8PrefixLength(std::string_view text, std::size_t maxBytes) {
+    if (text.size() <= maxBytes) {
+        return text.size();
+    }
+    // Step back over the continuation bytes (three at most) of a character that the cut would split.
+    std::size_t end = maxBytes;
+    for (int k = 0; k < 3 && end > 0 && isContinuation(text[end]); ++k) {
+        --end;
+    }
+    return isContinuation(text[end]) ? maxBytes : end;
 }
 
 }  // namespace nq

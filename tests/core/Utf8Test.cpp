@@ -25,4 +25,25 @@ TEST(Utf8, ValidityRejectsOverlongSurrogatesAndTruncation) {
     EXPECT_FALSE(nq::isValidUtf8("\xF4\x90\x80\x80"));  // above U+10FFFF
 }
 
+TEST(Utf8, WideConversionGoesBothWaysAndReplacesMalformedBytes) {
+    const std::string text = "a\xC3\xA9\xE6\x97\xA5\xF0\x9F\x98\x80";  // a, e-acute, a CJK sign, an emoji
+    std::wstring wide = nq::utf8ToWide(text);
+    EXPECT_EQ(wide, std::wstring(L"a\u00E9\u65E5\U0001F600"));
+    EXPECT_EQ(nq::wideToUtf8(wide), text);
+    // A lone continuation byte, an overlong form, an encoded surrogate and a truncated sequence.
+    EXPECT_EQ(nq::utf8ToWide("\x80x\xC0\xAFy\xED\xA0\x80z\xE6\x97"),
+              std::wstring(L"\uFFFDx\uFFFD\uFFFDy\uFFFD\uFFFD\uFFFDz\uFFFD\uFFFD"));
+}
+
+TEST(Utf8, PrefixNeverEndsInsideACharacter) {
+    const std::string text =
+        "ab\xE6\x97\xA5"
+        "c";
+    EXPECT_EQ(nq::utf8PrefixLength(text, 10), text.size());
+    EXPECT_EQ(nq::utf8PrefixLength(text, 2), 2u);
+    EXPECT_EQ(nq::utf8PrefixLength(text, 3), 2u);
+    EXPECT_EQ(nq::utf8PrefixLength(text, 4), 2u);
+    EXPECT_EQ(nq::utf8PrefixLength(text, 5), 5u);
+}
+
 }  // namespace
