@@ -107,15 +107,19 @@ std::string utf8ToLower(std::string_view text) {
 }
 
 bool isValidUtf8(std::string_view text) {
+    return invalidUtf8At(text) == std::string_view::npos;
+}
+
+std::size_t invalidUtf8At(std::string_view text) {
     for (std::size_t i = 0; i < text.size();) {
         char32_t cp = 0;
         std::size_t len = decode(text, i, cp);
         if (len == 0) {
-            return false;
+            return i;
         }
         i += len;
     }
-    return true;
+    return std::string_view::npos;
 }
 
 std::wstring utf8ToWide(std::string_view text) {

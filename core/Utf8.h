@@ -16,6 +16,8 @@ std::string utf8ToLower(std::string_view text);
 
 // True when the text is well-formed UTF-8 (no overlong forms, no surrogates, at most U+10FFFF).
 bool isValidUtf8(std::string_view text);
+// The offset of the first byte of the first malformed sequence, or npos for well-formed text.
+std::size_t invalidUtf8At(std::string_view text);
 
 // Conversions that never fail: each byte that is not part of valid UTF-8, and each unpaired
 // surrogate, becomes U+FFFD.

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "core/Utf8.h"
 #include "model/io/ReadError.h"
 
 namespace model::io {
@@ -95,28 +96,9 @@ std::string NqfParser::inlineText(std::string_view what) {
 }
 
 void NqfParser::checkUtf8(std::string_view text, std::uint64_t offset, std::string_view what) const {
-    std::size_t i = 0;
-    while (i < text.size()) {
-        const auto c = static_cast<unsigned char>(text[i]);
-        std::size_t length = c < 0x80           ? 1
-                             : (c >> 5) == 0x6  ? 2
-                             : (c >> 4) == 0xE  ? 3
-                             : (c >> 3) == 0x1E ? 4
-                                                : 0;
-        std::uint32_t code = length == 1 ? c : length == 2 ? c & 0x1F : length == 3 ? c & 0x0F : c & 0x07;
-        bool good = length != 0 && i + length <= text.size();
-        for (std::size_t k = 1; good && k < length; ++k) {
-            const auto d = static_cast<unsigned char>(text[i + k]);
-            good = (d & 0xC0) == 0x80;
-            code = (code << 6) | (d & 0x3F);
-        }
-        // No overlong forms, no surrogates, nothing above U+10FFFF.
-        static constexpr std::uint32_t kLeast[] = {0, 0, 0x80, 0x800, 0x10000};
-        good = good && code >= kLeast[length] && code <= 0x10FFFF && (code < 0xD800 || code > 0xDFFF);
-        if (!good) {
-            failAt(offset + i, fmt::format("UTF-8 text in {}", what), fmt::format("the byte 0x{:02X}", c));
-        }
-        i += length;
+    if (const std::size_t bad = nq::invalidUtf8At(text); bad != std::string_view::npos) {
+        failAt(offset + bad, fmt::format("UTF-8 text in {}", what),
+               fmt::format("the byte 0x{:02X}", static_cast<unsigned char>(text[bad])));
     }
 }
 

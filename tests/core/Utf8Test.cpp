@@ -23,6 +23,8 @@ TEST(Utf8, ValidityRejectsOverlongSurrogatesAndTruncation) {
     EXPECT_FALSE(nq::isValidUtf8("\xED\xA0\x80"));      // surrogate
     EXPECT_FALSE(nq::isValidUtf8("\xE2\x82"));          // cut short
     EXPECT_FALSE(nq::isValidUtf8("\xF4\x90\x80\x80"));  // above U+10FFFF
+    EXPECT_EQ(nq::invalidUtf8At("ab\xE2\x82\xAC\xE2\x82"), 5u);
+    EXPECT_EQ(nq::invalidUtf8At("ab"), std::string_view::npos);
 }
 
 TEST(Utf8, WideConversionGoesBothWaysAndReplacesMalformedBytes) {

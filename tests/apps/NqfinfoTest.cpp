@@ -1,0 +1,134 @@
+// nqfinfo as users run it: exit status, the summary, the JSON dump, the fault line.
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include <simdjson.h>
+
+#include "io/NqfSample.h"
+#include "model/io/NqfReader.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct Outcome {
+    int status = -1;
+    std::string out, err;
+};
+
+class Nqfinfo : public ::testing::Test {
+protected:
+    void SetUp() override {
+        std::string pattern = (fs::temp_directory_path() / "nqfinfo-test-XXXXXX").string();
+        ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
+        dir = pattern;
+    }
+    void TearDown() override { fs::remove_all(dir); }
+
+    std::string write(const std::string& name, const std::vector<std::uint8_t>& bytes) {
+        const fs::path p = dir / name;
+        std::ofstream(p, std::ios::binary)
+            .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+        return p.string();
+    }
+    static std::string slurp(const fs::path& p) {
+        std::ifstream in(p, std::ios::binary);
+        return {std::istreambuf_iterator<char>(in), {}};
+    }
+    Outcome run(const std::string& args) {
+        const std::string command = std::string(NQ_BINARY_DIR) + "/apps/nqfinfo " + args + " >" +
+                                    (dir / "out").string() + " 2>" + (dir / "err").string();
+        Outcome r;
+        const int raw = std::system(command.c_str());
+        r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+        r.out = slurp(dir / "out");
+        r.err = slurp(dir / "err");
+        return r;
+    }
+
+    fs::path dir;
+};
+
+TEST_F(Nqfinfo, SummaryOfAValidFile) {
+    const std::string file = write("sample.nqf", nqftest::sampleFile().file());
+    const Outcome r = run(file);
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.err, "");
+    EXPECT_NE(r.out.find("Tree (12 nodes)\n  model::Node \"root\"\n    model::TransformNode \"t\"\n"
+                         "      model::Bone \"bone\"\n"),
+              std::string::npos)
+        << r.out;
+    EXPECT_NE(r.out.find("  CONNECTORS (1 node)\n    model::Connector \"hook\", on \"t\"\n"),
+              std::string::npos);
+    EXPECT_NE(r.out.find("model::RenderNode \"two\", material 1 \"sign\", on \"t\", \"bone\", 300 vertices, "
+                         "3 indices\n"),
+              std::string::npos);
+    EXPECT_NE(r.out.find("  [0] \"body\", material \"default\", 2 textures, 2 uniforms, 2 animated uniforms\n"
+                         "    slot 0: \"diffuse.dds\"\n    slot 13: \"damage.dds\"\n"),
+              std::string::npos);
+    EXPECT_NE(
+        r.out.find("Counts: 29 nodes (12 tree, 17 list), 2 materials, 318 vertices, 22 indices, 71 strings, "
+                   "8 handles\n"),
+        std::string::npos);
+}
+
+TEST_F(Nqfinfo, JsonDumpIsWellFormedAndExact) {
+    const std::string file = write("sample.nqf", nqftest::sampleFile().file());
+    const Outcome r = run("--json " + file);
+    ASSERT_EQ(r.status, 0) << r.err;
+    simdjson::dom::parser parser;
+    simdjson::dom::element doc;
+    ASSERT_EQ(parser.parse(r.out).get(doc), simdjson::SUCCESS) << r.out.substr(0, 400);
+    EXPECT_EQ(doc["tree"].get_array().size(), 12u);
+    EXPECT_EQ(doc["tree"].at(0)["parent"].is_null(), true);
+    EXPECT_EQ(std::string_view(doc["tree"].at(6)["class"]), "model::ArgPositionNode");
+    EXPECT_EQ(int64_t(doc["tree"].at(9)["scale"].at(0)["secondKeys"].at(1).at(1).at(2)), 2);
+    EXPECT_EQ(double(doc["root"]["materials"].at(0)["uniforms"].at(0)["value"]), 0.75);
+    // The float maximum, written in its shortest form, reads back as the same float.
+    EXPECT_EQ(static_cast<float>(double(doc["root"]["lightBox"]["min"].at(0))), 3.4028234663852886e38f);
+    const auto lights = doc["groups"].at(3)["nodes"].at(8);
+    EXPECT_EQ(std::string_view(lights["class"]), "model::AnimatedFakeOmniLightsNode");
+    EXPECT_EQ(lights["animationData"].get_array().size(), 128u);
+    EXPECT_EQ(uint64_t(doc["groups"].at(3)["nodes"].at(1)["renderOption"]), 7u);
+}
+
+TEST_F(Nqfinfo, FaultIsOneLineAndExitOne) {
+    std::vector<std::uint8_t> bytes = nqftest::sampleFile().file();
+    bytes.resize(bytes.size() - 3);
+    const std::string file = write("cut.nqf", bytes);
+    std::string expected;
+    try {
+        model::io::readNqf(bytes);
+    } catch (const model::io::ReadError& e) {
+        expected = file + ": " + e.what() + "\n";
+    }
+    ASSERT_NE(expected, "");
+    const Outcome r = run(file);
+    EXPECT_EQ(r.status, 1);
+    EXPECT_EQ(r.err, expected);
+    EXPECT_EQ(r.out, "");
+
+    const Outcome missing = run((dir / "none.nqf").string());
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_NE(missing.err.find("No such file or directory"), std::string::npos) << missing.err;
+}
+
+TEST_F(Nqfinfo, UsageAndHelp) {
+    EXPECT_EQ(run("").status, 2);
+    EXPECT_EQ(run("--bogus x.nqf").status, 2);
+    EXPECT_EQ(run("a.nqf b.nqf").status, 2);
+    const Outcome help = run("--help");
+    EXPECT_EQ(help.status, 0);
+    EXPECT_NE(help.out.find("Exit status: 0 the file is valid, 1 the file is faulty or cannot be read"),
+              std::string::npos)
+        << help.out;
+    EXPECT_NE(help.out.find("nqfinfo --json model.nqf"), std::string::npos);
+}
+
+}  // namespace
