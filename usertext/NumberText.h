@@ -10,10 +10,21 @@
 
 namespace lu {
 
+// One stream per thread, set up once: making a stream costs more than reading a number.
+inline std::istringstream& classicStream() {
+    thread_local std::istringstream stream = [] {
+        std::istringstream s;
+        s.imbue(std::locale::classic());
+        return s;
+    }();
+    return stream;
+}
+
 template <class T>
 T numberFromText(const std::string& text) {
-    std::istringstream in(text);
-    in.imbue(std::locale::classic());
+    std::istringstream& in = classicStream();
+    in.clear();
+    in.str(text);
     T value{};
     in >> value;
     return value;

@@ -47,7 +47,7 @@ nq::LuaState& ParamsLuaWrapper::operator()() {
     if (state_) {
         return *state_;
     }
-    state_ = std::make_unique<nq::LuaState>("ParamsLuaWrapper::operator ()");
+    state_ = std::make_unique<nq::LuaState>("ParamsLuaWrapper::operator ()", limits_);
     std::string path = pluginConfigDir() + "/aux_func.lua";
     if (auto reason = state_->loadFile(path)) {
         throw nq::ExtException("Can't load file: " + path + ". Reason: " + *reason);

@@ -25,12 +25,15 @@ public:
     nq::LuaState& operator()();
 
     bool made() const noexcept { return state_ != nullptr; }
+    // The limits of the state; they apply from the next time it is made.
+    void setLimits(const nq::LuaLimits& limits) { limits_ = limits; }
     // Drops the state, so that the next use makes it anew (a host whose configuration directory
     // changed, and tests).
     void reset() noexcept { state_.reset(); }
 
 private:
     std::unique_ptr<nq::LuaState> state_;
+    nq::LuaLimits limits_;
 };
 
 }  // namespace lu

@@ -149,8 +149,10 @@ constexpr std::size_t kMaxGuidWindow = 1024;
 
 std::size_t guidWindowEnd(std::string_view text, std::size_t from) {
     static const std::regex_traits<char> traits;
-    static const auto space = traits.lookup_classname("s", "s" + 1);
-    static const auto word = traits.lookup_classname("w", "w" + 1);
+    static constexpr char kSpace[] = "s";
+    static constexpr char kWord[] = "w";
+    static const auto space = traits.lookup_classname(kSpace, kSpace + 1);
+    static const auto word = traits.lookup_classname(kWord, kWord + 1);
     auto skip = [&](auto accept) {
         while (from < text.size() && accept(text[from])) {
             ++from;
