@@ -1,0 +1,12 @@
+#include "model/ShellNode.h"
+
+#include "model/BakeTransform.h"
+
+namespace model {
+
+bool ShellNode::applyTransform(std::uint32_t link, const nq::Matrixd& m) {
+    checkLink(link, 1);
+    return bakeTransform(vertices, indices, link, m);
+}
+
+}  // namespace model
