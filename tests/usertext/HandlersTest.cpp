@@ -172,6 +172,20 @@ TEST_F(HandlersTest, Vec4Animation) {
               "Invalid animation set in 'animation_vec4'.");
 }
 
+// The remaining failure texts of the vector forms: counts, tags, and a last key cut short.
+TEST_F(HandlersTest, VectorAnimationFailures) {
+    EXPECT_EQ(failureOf("key = animation_vec4(1, 0, vec4(1, 2, 3))"),
+              "Wrong arguments number in 'animation_vec4'.");
+    EXPECT_EQ(failureOf("key = animation_vec3(1, 0, vec2(1, 2), 3)"),
+              "Invalid animation set in 'animation_vec3'.");
+    EXPECT_EQ(failureOf("key = animation_vec2(1, 0, vec2(1, 2), vec2(3))"),
+              "Wrong arguments number in 'vec2'.");
+    EXPECT_EQ(failureOf("key = animation_vec4(1, 0, vec4(1, 2, 3, 4), 1, vec4())"),
+              "Wrong arguments number in 'vec4'.");
+    EXPECT_EQ(failureOf("key = animation_vec2(-2, 0, vec2(1, 2))"), "Parameter 'key' must be positive.");
+    EXPECT_TRUE(properties.empty());
+}
+
 TEST_F(HandlersTest, Arrays) {
     parseAll("key = array(1, 2.5, -3)");
     EXPECT_TRUE(properties.empty());
