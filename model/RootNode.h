@@ -78,6 +78,11 @@ public:
     // The highest argument number in use plus one, or 0 when no argument is in use.
     std::uint32_t calcNumHandles() const;
 
+    // Writes the model to a path of the virtual file system in the given format version. Throws
+    // nq::ExtException with "Unsupported version N" when there is no writer for the version, and
+    // with "Can't write to file PATH" when the file system refuses. Defined with the writer.
+    void save(const std::string& path, std::uint16_t version);
+
     std::array<std::uint8_t, 2> flags{};
     Box boundingBox;
     Box userBox;

@@ -1,0 +1,24 @@
+// RootNode::save lives with the writer, so that the model library itself knows no file format.
+
+#include <fmt/format.h>
+
+#include "core/ExtException.h"
+#include "core/Vfs.h"
+#include "model/RootNode.h"
+#include "model/io/ClassWriter10.h"
+
+namespace model {
+
+void RootNode::save(const std::string& path, std::uint16_t version) {
+    std::unique_ptr<IClassWriter> writer = createClassWriter(version);
+    if (!writer) {
+        throw nq::ExtException(fmt::format("Unsupported version {}", version));
+    }
+    std::vector<unsigned char> bytes;
+    writer->save(*this, bytes);
+    if (!nqvfs::writeFile(path, bytes.data(), bytes.size())) {
+        throw nq::ExtException("Can't write to file " + path);
+    }
+}
+
+}  // namespace model
