@@ -75,14 +75,21 @@ void ClassWriter10::save(RootNode& root, std::vector<unsigned char>& out) {
     writeGroup(file_, nodeWriter_, "LIGHT_NODES", root.lightNodes());
     writeGroup(file_, nodeWriter_, "RENDER_NODES", root.renderNodes());
 
-    // The string table is complete only now. Inserted at offset 5, it pushes the reserved word
-    // and everything behind it back by its size plus 4.
-    file_.seek(5);
+    // The string table is complete only now. It belongs at offset 5, in front of the reserved
+    // word and everything behind it. Seeking back and writing there would insert it; assembling
+    // the output around it gives the same bytes without moving the whole file once more.
     std::vector<char> table = file_.strings().flatten();
-    file_.writeU32(static_cast<std::uint32_t>(table.size()));
-    file_.write(table.data(), table.size());
-
-    out = file_.buffer();
+    const std::vector<unsigned char>& body = file_.buffer();
+    const auto tableSize = static_cast<std::uint32_t>(table.size());
+    const unsigned char head[4] = {
+        static_cast<unsigned char>(tableSize), static_cast<unsigned char>(tableSize >> 8),
+        static_cast<unsigned char>(tableSize >> 16), static_cast<unsigned char>(tableSize >> 24)};
+    out.clear();
+    out.reserve(body.size() + 4 + table.size());
+    out.insert(out.end(), body.begin(), body.begin() + 5);
+    out.insert(out.end(), head, head + 4);
+    out.insert(out.end(), table.begin(), table.end());
+    out.insert(out.end(), body.begin() + 5, body.end());
 }
 
 std::unique_ptr<IClassWriter> createClassWriter(std::uint16_t version) {

@@ -20,8 +20,7 @@ std::size_t MemBinaryFileW::write(const void* data, std::size_t size) {
 
 void MemBinaryFileW::writeString(std::string_view text) {
     text = text.substr(0, text.find('\0'));
-    strings_.intern(text);
-    writeU32(strings_.ordinal(text));
+    writeU32(strings_.internOrdinal(text));
 }
 
 }  // namespace model

@@ -4,10 +4,10 @@
 
 namespace model {
 
-const char* StringPool::intern(std::string_view text) {
+std::uint32_t StringPool::internOrdinal(std::string_view text) {
     auto found = ordinals_.find(text);
     if (found != ordinals_.end()) {
-        return index_[found->second];
+        return found->second;
     }
 
     const std::uint64_t need = text.size() + 1;
@@ -30,7 +30,7 @@ const char* StringPool::intern(std::string_view text) {
     auto ordinal = static_cast<std::uint32_t>(index_.size());
     index_.push_back(stored);
     ordinals_.emplace(std::string_view(stored, text.size()), ordinal);
-    return stored;
+    return ordinal;
 }
 
 std::uint32_t StringPool::ordinal(std::string_view text) const {

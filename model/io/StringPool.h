@@ -27,7 +27,9 @@ public:
     StringPool& operator=(const StringPool&) = delete;
 
     // Stores the text if it is new; returns the stored, NUL-terminated copy.
-    const char* intern(std::string_view text);
+    const char* intern(std::string_view text) { return index_[internOrdinal(text)]; }
+    // Stores the text if it is new; returns its ordinal in order of first use. One lookup.
+    std::uint32_t internOrdinal(std::string_view text);
     // Ordinal of an interned text in order of first use, or 0xFFFFFFFF if it was never interned.
     std::uint32_t ordinal(std::string_view text) const;
 

@@ -1,0 +1,92 @@
+// Saving a large model and reading it back, against writing the same number of bytes with fwrite.
+//
+// The model: n tree nodes, each with its own name and a property of its own name (so about 2n
+// distinct strings), and one render node holding 100n vertex floats. n = 10^5 gives 10^5 nodes,
+// 10^5 distinct property names and 10^7 floats.
+
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "model/NodeCreators.h"
+#include "model/PropertiesSet.h"
+#include "model/PropertyCreators.h"
+#include "model/RenderNode.h"
+#include "model/RootNode.h"
+#include "model/io/ClassWriter10.h"
+#include "model/io/NqfReader.h"
+
+namespace {
+
+model::Ptr<model::RootNode> makeModel(std::size_t n) {
+    auto root = model::createNodeAs<model::RootNode>("model::RootNode");
+    std::vector<model::Ptr<model::Node>> nodes;
+    nodes.reserve(n);
+    for (std::size_t i = 0; i < n; ++i) {
+        auto node = model::createNode("node" + std::to_string(i));
+        node->properties.push_back(model::createFloatProperty("p" + std::to_string(i), float(i)));
+        if (i == 0) {
+            root->setRootNode(node);
+        } else {
+            nodes[(i - 1) / 8]->insert(nullptr, node);  // eight children each: a shallow tree
+        }
+        nodes.push_back(node);
+    }
+    auto render = model::createNodeAs<model::RenderNode>("model::RenderNode");
+    render->links.push_back(model::RenderLink{nodes.back(), 0xFFFFFFFFu});
+    render->material = model::MaterialPtr(new model::PropertiesSet());
+    std::vector<float> positions(100 * n / 3 * 3);
+    for (std::size_t i = 0; i < positions.size(); ++i) {
+        positions[i] = float(i % 1000);
+    }
+    render->vertices.setAttribute(model::POSITION0, 3, std::move(positions));
+    root->addRenderNode(render);
+    return root;
+}
+
+void BM_Save(benchmark::State& state) {
+    auto root = makeModel(static_cast<std::size_t>(state.range(0)));
+    std::size_t size = 0;
+    for (auto _ : state) {
+        std::vector<unsigned char> out;
+        model::createClassWriter(10)->save(*root, out);
+        size = out.size();
+        benchmark::DoNotOptimize(out.data());
+    }
+    state.counters["bytes"] = double(size);
+    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * size));
+}
+
+void BM_Fwrite(benchmark::State& state) {
+    auto root = makeModel(static_cast<std::size_t>(state.range(0)));
+    std::vector<unsigned char> out;
+    model::createClassWriter(10)->save(*root, out);
+    std::string path = "/tmp/nqf_save_bench.bin";
+    for (auto _ : state) {
+        std::FILE* f = std::fopen(path.c_str(), "wb");
+        std::fwrite(out.data(), 1, out.size(), f);
+        std::fclose(f);
+    }
+    std::remove(path.c_str());
+    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * out.size()));
+}
+
+void BM_Read(benchmark::State& state) {
+    auto root = makeModel(static_cast<std::size_t>(state.range(0)));
+    std::vector<unsigned char> out;
+    model::createClassWriter(10)->save(*root, out);
+    for (auto _ : state) {
+        auto doc = model::io::readNqf(out);
+        benchmark::DoNotOptimize(doc.tree.size());
+    }
+    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * out.size()));
+}
+
+}  // namespace
+
+BENCHMARK(BM_Save)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Fwrite)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Read)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+BENCHMARK_MAIN();
