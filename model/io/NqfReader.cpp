@@ -160,6 +160,9 @@ void NqfParser::groups(NqfDocument& doc) {
             while (position < 4 && kGroupNames[position] != group.name) {
                 ++position;
             }
+            if (position == 4 && next == 4) {
+                fail("no group after \"RENDER_NODES\"", fmt::format("\"{}\"", group.name));
+            }
             if (position == 4) {
                 std::string expected;
                 for (std::size_t k = next; k < 4; ++k) {

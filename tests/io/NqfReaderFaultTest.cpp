@@ -192,6 +192,17 @@ TEST(NqfReaderFault, TreeAndGroups) {
               fmt::format("error at byte {} in groups[0]: expected a non-empty group (empty groups "
                           "are left out), found 0 nodes",
                           empty.at(empty.size() - 4)));
+    NqfBytes after = groupFile({{"RENDER_NODES", {[](NqfBytes& b) {
+                                     renderHead(b, "model::RenderNode", "r");
+                                     b.u32(0);
+                                     vertices(b, 0, 0);
+                                     indices(b, 0, {});
+                                 }}},
+                                {"RENDER_NODES", {}}});
+    EXPECT_EQ(faultOf(after),
+              fmt::format("error at byte {} in groups[1]: expected no group after \"RENDER_NODES\", "
+                          "found \"RENDER_NODES\"",
+                          after.at(after.size() - 8)));
     const Writer connector = [](NqfBytes& b) {
         head(b, "model::Connector", "c");
         b.u32(1).u32(0);

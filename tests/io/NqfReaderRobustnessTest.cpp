@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
 #include <random>
 
 #include "NqfSample.h"
@@ -51,6 +53,14 @@ TEST(NqfReaderRobustness, RandomByteChangesEndInAReadOrAFault) {
     }
     // Nearly every change breaks some check; a few land in floats and stay valid.
     EXPECT_GT(faults, 2000);
+}
+
+// The fuzzer starts from a copy of the sample file; a change to the sample must reach it.
+TEST(NqfReaderRobustness, FuzzSeedIsTheSampleFile) {
+    std::ifstream in(std::string(NQ_SOURCE_DIR) + "/fuzz/corpus/nqf_reader/sample.nqf", std::ios::binary);
+    const std::vector<std::uint8_t> seed{std::istreambuf_iterator<char>(in), {}};
+    EXPECT_EQ(seed, nqftest::sampleFile().file())
+        << "write the bytes of nqftest::sampleFile() to fuzz/corpus/nqf_reader/sample.nqf";
 }
 
 }  // namespace
