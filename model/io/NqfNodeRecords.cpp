@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include "model/io/NqfParser.h"
 
@@ -64,19 +65,44 @@ bool holdsFloat(double d) {
     return std::fabs(d) <= FLT_MAX && static_cast<double>(static_cast<float>(d)) == d;
 }
 
-// The class name under which an animation node is saved follows its channels.
-std::string_view animationClass(const NqfAnimationBody& b) {
-    const bool p = !b.position.empty(), r = !b.rotation.empty(), s = !b.scale.empty();
-    if (p && !r && !s) {
+// The class name under which an animation node is saved follows which kinds of channel hold keys.
+template <class C>
+bool anyKeys(const std::vector<C>& channels) {
+    return std::any_of(channels.begin(), channels.end(), [](const C& c) {
+        if constexpr (requires { c.secondKeys; }) {
+            return !c.keys.empty() || !c.secondKeys.empty();
+        } else {
+            return !c.keys.empty();
+        }
+    });
+}
+
+struct KeyedChannels {
+    bool position, rotation, scale;
+};
+
+std::string_view animationClass(KeyedChannels k) {
+    if (k.position && !k.rotation && !k.scale) {
         return "model::ArgPositionNode";
     }
-    if (r && !p && !s) {
+    if (k.rotation && !k.position && !k.scale) {
         return "model::ArgRotationNode";
     }
-    if (!p && !r) {
+    if (!k.position && !k.rotation) {
         return "model::ArgScaleNode";
     }
     return "model::ArgAnimationNode";
+}
+
+std::string describe(KeyedChannels k) {
+    std::vector<std::string_view> kinds;
+    for (auto [has, kind] :
+         {std::pair{k.position, "position"}, {k.rotation, "rotation"}, {k.scale, "scale"}}) {
+        if (has) {
+            kinds.push_back(kind);
+        }
+    }
+    return kinds.empty() ? "no keys" : fmt::format("keys in {} channels", fmt::join(kinds, " and "));
 }
 
 }  // namespace
@@ -238,18 +264,18 @@ NqfAnimationBody NqfParser::animation(const NqfHead& head, std::uint64_t classOf
                 keys(ch.secondKeys, "second key count");
             }
         }
-        return n;
     };
-    const std::uint32_t positions = channels(b.position, "position");
-    const std::uint32_t rotations = channels(b.rotation, "rotation");
-    const std::uint32_t scales = channels(b.scale, "scale");
+    channels(b.position, "position");
+    channels(b.rotation, "rotation");
+    channels(b.scale, "scale");
     if (head.className == "model::ArgAnimatedBone") {
         b.isBone = true;
         b.boneMatrix = array<double, 16>("bone matrix");
-    } else if (const std::string_view expected = animationClass(b); expected != head.className) {
-        failAt(classOffset,
-               fmt::format("the class name \"{}\" for {} position, {} rotation and {} scale channels",
-                           expected, positions, rotations, scales),
+        return b;
+    }
+    const KeyedChannels keyed{anyKeys(b.position), anyKeys(b.rotation), anyKeys(b.scale)};
+    if (const std::string_view expected = animationClass(keyed); expected != head.className) {
+        failAt(classOffset, fmt::format("the class name \"{}\" for {}", expected, describe(keyed)),
                fmt::format("\"{}\"", head.className));
     }
     return b;
@@ -303,12 +329,10 @@ NqfLightBody NqfParser::light(const NqfHead& head) {
         fail(fmt::format("{} light properties at class version {}", expected, head.version),
              std::to_string(n));
     }
-    countArguments_ = false;
     for (std::uint32_t i = 0; i < expected; ++i) {
         Scope item(*this, fmt::format("light properties[{}]", i));
         b.properties.push_back(property());
     }
-    countArguments_ = true;
     if (head.version == 3) {
         b.hasLightKind = true;
         b.lightKind = u8("light kind");
@@ -339,6 +363,7 @@ NqfRenderBody NqfParser::render(const NqfHead& head) {
             reserved32("reserved word");
         }
         link.argument = u32("argument");
+        noteArgument(link.argument);
     }
     b.vertices = vertices();
     b.indices = indices(b.vertices.count);
@@ -371,6 +396,7 @@ NqfSkinBody NqfParser::skin(const NqfHead& head, bool shell) {
         b.bones = links("bone count");
     }
     b.argument = u32("argument");
+    noteArgument(b.argument);
     // The box is written only when valid, and nothing in the record says so: a skin of class
     // version 1 or more has it, one of version 0 does not.
     if (head.version >= 1) {
@@ -454,6 +480,7 @@ NqfFakeLightsBody NqfParser::fakeLights(const NqfHead& head, bool spot, bool ani
         if (b.argument == kNoIndex) {
             fail("a valid argument", "0xFFFFFFFF");
         }
+        noteArgument(b.argument);
         if (const std::uint32_t stride = u32("values per light"); stride != 128) {
             fail("128 values per light", std::to_string(stride));
         }

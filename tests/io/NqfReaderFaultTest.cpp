@@ -133,18 +133,29 @@ TEST(NqfReaderFault, ClassNamesWhereTheyStand) {
                           shell.at(at)));
 
     // An animation node is saved under the narrowest of four names that fits its channels.
-    NqfBytes anim = treeFile({plainNode,
-                              [&](NqfBytes& b) {
-                                  at = b.size();
-                                  head(b, "model::ArgPositionNode", "p");
-                                  b.identity64().f64s({0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 1, 1, 1, 1});
-                                  b.u32(1).u32(0).u32(0).u32(1).u32(0).u32(0).u32(0);
-                              }},
-                             {0xFFFFFFFF, 0}, {}, 1);
-    EXPECT_EQ(faultOf(anim), fmt::format("error at byte {} in tree[1]: expected the class name "
-                                         "\"model::ArgAnimationNode\" for 1 position, 1 rotation and 0 scale "
-                                         "channels, found \"model::ArgPositionNode\"",
-                                         anim.at(at)));
+    // A channel counts only when it has keys: here position and scale keys, and an empty rotation channel.
+    auto animation = [&](std::string_view cls, std::uint32_t scaleKeys) {
+        return treeFile({plainNode,
+                         [&, cls, scaleKeys](NqfBytes& b) {
+                             at = b.size();
+                             head(b, cls, "p");
+                             b.identity64().f64s({0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 1, 1, 1, 1});
+                             b.u32(1).u32(0).u32(1).f64(0).f64s({1, 2, 3});  // position: one key
+                             b.u32(1).u32(0).u32(0);                         // rotation: no keys
+                             b.u32(1).u32(0).u32(0).u32(scaleKeys);          // scale: second keys only
+                             for (std::uint32_t k = 0; k < scaleKeys; ++k) {
+                                 b.f64(0).f64s({1, 1, 1});
+                             }
+                         }},
+                        {0xFFFFFFFF, 0}, {}, 1);
+    };
+    NqfBytes anim = animation("model::ArgPositionNode", 1);
+    EXPECT_EQ(faultOf(anim),
+              fmt::format("error at byte {} in tree[1]: expected the class name "
+                          "\"model::ArgAnimationNode\" for keys in position and scale channels, "
+                          "found \"model::ArgPositionNode\"",
+                          anim.at(at)));
+    EXPECT_EQ(faultOf(animation("model::ArgPositionNode", 0)), "no fault");
 
     NqfBytes version = treeFile({[&](NqfBytes& b) {
                                     head(b, "model::Node", "n", 0, 1, [&](NqfBytes& p) {
@@ -560,6 +571,21 @@ TEST(NqfReaderFault, RootValues) {
                  }},
                  {0xFFFFFFFF}, {}, 6);
     EXPECT_EQ(faultOf(enough), "no fault");
+    // Render links, skins and animated fake lights carry arguments too.
+    std::size_t at = 0;
+    NqfBytes link = groupFile({{"RENDER_NODES", {[&](NqfBytes& b) {
+                                    renderHead(b, "model::RenderNode", "r");
+                                    b.u32(1).u32(0);
+                                    at = b.size();
+                                    b.u32(9);
+                                    vertices(b, 0, 0);
+                                    indices(b, 0, {});
+                                }}}},
+                              9);
+    EXPECT_EQ(faultOf(link),
+              fmt::format("error at byte {} in root: expected a handle count of at least 10 (argument "
+                          "9 is in use at byte {}), found 9",
+                          link.at(handles), link.at(at)));
 
     NqfBytes box = groupFile({});
     const std::size_t corner = 8 + 28;
