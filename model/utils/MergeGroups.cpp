@@ -1,0 +1,182 @@
+#include "model/utils/MergeGroups.h"
+
+#include <array>
+#include <bit>
+#include <string>
+#include <unordered_map>
+
+#include <fmt/format.h>
+
+#include "core/ExtException.h"
+#include "model/FakeOmniLightsNode.h"
+#include "model/FakeSpotLightsNode.h"
+#include "model/NodeCreators.h"
+#include "model/NumberNode.h"
+#include "model/utils/MeshChecks.h"
+
+namespace model::utils {
+
+namespace {
+
+// A parent entry as merging compares it: the tree node and the bits of what goes with it.
+struct ParentKey {
+    const Node* node = nullptr;
+    std::array<std::uint32_t, 3> extra{};
+    bool operator==(const ParentKey&) const = default;
+};
+
+struct ParentKeyHash {
+    std::size_t operator()(const ParentKey& k) const noexcept {
+        std::size_t h = std::hash<const void*>{}(k.node);
+        for (std::uint32_t e : k.extra) {
+            h = h * 1000003u ^ e;
+        }
+        return h;
+    }
+};
+
+ParentKey keyOf(const RenderLink& link) {
+    return {link.node.get(), {link.argument, 0, 0}};
+}
+ParentKey keyOf(const Ptr<Node>& link) {
+    return {link.get(), {}};
+}
+ParentKey keyOf(const FakeSpotLink& link) {
+    return {link.node.get(),
+            {std::bit_cast<std::uint32_t>(link.direction[0]), std::bit_cast<std::uint32_t>(link.direction[1]),
+             std::bit_cast<std::uint32_t>(link.direction[2])}};
+}
+
+// The parent list of a merged node, with equal entries folded.
+template <class Link>
+class JoinedParents {
+public:
+    std::uint32_t numberOf(const Link& link) {
+        auto [it, inserted] = numbers_.try_emplace(keyOf(link), static_cast<std::uint32_t>(links.size()));
+        if (inserted) {
+            links.push_back(link);
+        }
+        return it->second;
+    }
+    std::vector<Link> links;
+
+private:
+    std::unordered_map<ParentKey, std::uint32_t, ParentKeyHash> numbers_;
+};
+
+template <class T>
+Ptr<T> createLike(const T& first) {
+    const char* className = nodeTypeName(first.nodeType());
+    Ptr<T> out = createNodeAs<T>(className);
+    if (!out) {
+        throw nq::ExtException(fmt::format("Class {} is not registered.", className));
+    }
+    out->material = first.material;
+    out->properties = first.properties;
+    out->version = first.version;
+    out->root = first.root;
+    return out;
+}
+
+// Vertices of a parent other than the first carry its number in the fourth float of POSITION0;
+// those that still hold the exporter's 0 get it.
+void tagParent(Vertices& vertices, std::uint32_t parent) {
+    VertexAttribute* position = vertices.findAttribute(POSITION0);
+    if (!position || position->size != 4) {
+        return;
+    }
+    for (std::size_t i = 3; i < position->data.size(); i += 4) {
+        double rounded = static_cast<double>(position->data[i]) + 0.5;
+        if (rounded > -1.0 && rounded < 1.0) {
+            position->data[i] = static_cast<float>(parent);
+        }
+    }
+}
+
+template <class T>
+Ptr<BaseRenderNode> mergeMeshes(std::span<const Ptr<BaseRenderNode>> members) {
+    const T& first = static_cast<const T&>(*members[0]);
+    Ptr<T> out = createLike(first);
+    out->renderOption = first.renderOption;
+    Vertices vertices = first.vertices;
+    Indices indices = first.indices;
+    JoinedParents<RenderLink> parents;
+    parents.numberOf(first.links.at(0));
+    if constexpr (std::is_same_v<T, NumberNode>) {
+        out->entries = first.entries;
+    }
+    for (const Ptr<BaseRenderNode>& member : members.subspan(1)) {
+        const T& m = static_cast<const T&>(*member);
+        std::uint32_t parent = parents.numberOf(m.links.at(0));
+        auto base = static_cast<std::uint32_t>(vertices.vertexCount());
+        Vertices copy = m.vertices;
+        tagParent(copy, parent);
+        if (!vertices.append(copy)) {
+            throw nq::ExtException(std::string(kWrongVertexSize));
+        }
+        indices.indices.reserve(indices.indices.size() + m.indices.indices.size());
+        for (std::uint32_t index : m.indices.indices) {
+            indices.indices.push_back(index + base);
+        }
+        if constexpr (std::is_same_v<T, NumberNode>) {
+            if (out->entries.size() < parents.links.size()) {
+                out->entries.resize(parents.links.size());
+            }
+            if (!m.entries.empty()) {
+                out->entries[parent].insert(out->entries[parent].end(), m.entries[0].begin(),
+                                            m.entries[0].end());
+            }
+        }
+    }
+    out->setMesh(std::move(parents.links), std::move(indices), std::move(vertices));
+    return out;
+}
+
+template <class T>
+Ptr<BaseRenderNode> mergeLights(std::span<const Ptr<BaseRenderNode>> members) {
+    const T& first = static_cast<const T&>(*members[0]);
+    Ptr<T> out = createLike(first);
+    JoinedParents<typename decltype(out->links)::value_type> parents;
+    parents.links.reserve(8);
+    out->lights.reserve(32);
+    for (const Ptr<BaseRenderNode>& member : members) {
+        const T& m = static_cast<const T&>(*member);
+        std::vector<std::uint32_t> joined;
+        joined.reserve(m.links.size());
+        for (const auto& link : m.links) {
+            joined.push_back(parents.numberOf(link));
+        }
+        for (auto light : m.lights) {
+            if (light.parent < joined.size()) {
+                light.parent = joined[light.parent];
+            }
+            out->lights.push_back(light);
+        }
+        if constexpr (std::is_same_v<T, FakeSpotLightsNode>) {
+            out->directions.insert(out->directions.end(), m.directions.begin(), m.directions.end());
+        }
+    }
+    out->links = std::move(parents.links);
+    return out;
+}
+
+}  // namespace
+
+Ptr<BaseRenderNode> mergeMembers(MergeKind kind, std::span<const Ptr<BaseRenderNode>> members) {
+    if (members.size() <= 1) {
+        return members.empty() ? Ptr<BaseRenderNode>() : members[0];
+    }
+    switch (kind) {
+        case MergeKind::RenderNode:
+            return mergeMeshes<RenderNode>(members);
+        case MergeKind::Number:
+            return mergeMeshes<NumberNode>(members);
+        case MergeKind::FakeOmniLights:
+            return mergeLights<FakeOmniLightsNode>(members);
+        case MergeKind::FakeSpotLights:
+            return mergeLights<FakeSpotLightsNode>(members);
+    }
+    return {};
+}
+
+}  // namespace model::utils

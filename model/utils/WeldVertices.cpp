@@ -1,0 +1,229 @@
+#include "model/utils/WeldVertices.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <vector>
+
+#include "model/utils/MeshChecks.h"
+
+namespace model::utils {
+
+namespace {
+
+// The float of a vertex that carries the parent number and is compared by its bits.
+constexpr std::size_t kTagPosition = 3;
+
+std::uint32_t dropUnused(Vertices& vertices, Indices& indices) {
+    std::size_t count = vertices.vertexCount();
+    std::vector<bool> used(count, false);
+    for (std::uint32_t index : indices.indices) {
+        used[index] = true;
+    }
+    std::vector<std::uint32_t> newNumber(count);
+    std::uint32_t kept = 0;
+    for (std::size_t v = 0; v < count; ++v) {
+        newNumber[v] = kept;
+        kept += used[v] ? 1 : 0;
+    }
+    auto dropped = static_cast<std::uint32_t>(count - kept);
+    if (dropped == 0) {
+        return 0;
+    }
+    for (auto& [semantic, attr] : vertices.attributes) {
+        if (attr.size <= 0) {
+            continue;
+        }
+        auto size = static_cast<std::size_t>(attr.size);
+        std::size_t write = 0;
+        for (std::size_t v = 0; v < count; ++v) {
+            if (used[v]) {
+                std::copy_n(attr.data.begin() + static_cast<std::ptrdiff_t>(v * size), size,
+                            attr.data.begin() + static_cast<std::ptrdiff_t>(write * size));
+                ++write;
+            }
+        }
+        attr.data.resize(write * size);
+    }
+    for (std::uint32_t& index : indices.indices) {
+        index = newNumber[index];
+    }
+    return dropped;
+}
+
+// A vertex with a float that is not finite, outside the tag position, matches nothing, not even
+// itself: the difference of such floats is never within a tolerance.
+bool isComparable(const float* v, std::size_t stride) {
+    for (std::size_t k = 0; k < stride; ++k) {
+        if (k != kTagPosition && !std::isfinite(v[k])) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// A balanced k-d tree over vertices, stored implicitly: the median of a range is its middle
+// element, the lower half lies before it and the upper half after it. At depth d the range is
+// split on float d modulo 3 (fewer when the vertex has fewer floats). Each entry keeps its
+// vertex's first three floats beside its number, so that a search reads the vertex data only for
+// the entries that are within reach on those floats.
+class KdTree {
+public:
+    KdTree(const float* data, std::size_t stride, const std::vector<std::uint32_t>& points)
+        : data_(data), stride_(stride), dims_(std::min<std::size_t>(stride, 3)) {
+        entries_.reserve(points.size());
+        for (std::uint32_t v : points) {
+            Entry e{{0, 0, 0}, v};
+            std::copy_n(at(v), dims_, e.key);
+            entries_.push_back(e);
+        }
+        build(0, entries_.size(), 0);
+    }
+
+    // Calls f with every vertex that matches the query.
+    template <class F>
+    void forEachMatch(const float* query, float tolerance, F&& f) {
+        std::vector<Range>& stack = stack_;
+        stack.assign(1, Range{0, entries_.size(), 0});
+        while (!stack.empty()) {
+            Range r = stack.back();
+            stack.pop_back();
+            if (r.lo >= r.hi) {
+                continue;
+            }
+            std::size_t mid = r.lo + (r.hi - r.lo) / 2;
+            const Entry& e = entries_[mid];
+            bool near = true;
+            for (std::size_t k = 0; k < dims_ && near; ++k) {
+                near = std::fabs(e.key[k] - query[k]) <= tolerance;
+            }
+            if (near && weldMatch(query, at(e.vertex), stride_, tolerance)) {
+                f(e.vertex);
+            }
+            std::size_t d = r.depth % dims_;
+            if (std::fabs(e.key[d] - query[d]) <= tolerance) {
+                stack.push_back({r.lo, mid, r.depth + 1});
+                stack.push_back({mid + 1, r.hi, r.depth + 1});
+            } else if (e.key[d] > query[d]) {
+                stack.push_back({r.lo, mid, r.depth + 1});
+            } else {
+                stack.push_back({mid + 1, r.hi, r.depth + 1});
+            }
+        }
+    }
+
+private:
+    struct Entry {
+        float key[3];
+        std::uint32_t vertex;
+    };
+    struct Range {
+        std::size_t lo, hi, depth;
+    };
+
+    const float* at(std::uint32_t v) const { return data_ + static_cast<std::size_t>(v) * stride_; }
+
+    void build(std::size_t lo, std::size_t hi, std::size_t depth) {
+        if (hi - lo < 2) {
+            return;
+        }
+        std::size_t mid = lo + (hi - lo) / 2;
+        std::size_t d = depth % dims_;
+        auto first = entries_.begin();
+        std::nth_element(first + static_cast<std::ptrdiff_t>(lo), first + static_cast<std::ptrdiff_t>(mid),
+                         first + static_cast<std::ptrdiff_t>(hi),
+                         [d](const Entry& a, const Entry& b) { return a.key[d] < b.key[d]; });
+        build(lo, mid, depth + 1);
+        build(mid + 1, hi, depth + 1);
+    }
+
+    const float* data_;
+    std::size_t stride_;
+    std::size_t dims_;
+    std::vector<Entry> entries_;
+    // The ranges still to search, kept from one search to the next.
+    std::vector<Range> stack_;
+};
+
+}  // namespace
+
+std::uint32_t removeUnusedVertices(Vertices& vertices, Indices& indices, std::string_view nodeName) {
+    checkMesh(vertices, indices, nodeName);
+    return dropUnused(vertices, indices);
+}
+
+bool weldMatch(const float* a, const float* b, std::size_t stride, float tolerance) {
+    for (std::size_t k = 0; k < stride; ++k) {
+        if (k == kTagPosition) {
+            if (std::bit_cast<std::uint32_t>(a[k]) != std::bit_cast<std::uint32_t>(b[k])) {
+                return false;
+            }
+        } else if (!(std::fabs(a[k] - b[k]) <= tolerance)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+std::uint32_t weldVertices(Vertices& vertices, Indices& indices, float tolerance, std::string_view nodeName) {
+    checkMesh(vertices, indices, nodeName);
+    std::uint32_t removed = dropUnused(vertices, indices);
+    std::size_t count = vertices.vertexCount();
+    std::size_t stride = vertices.stride();
+    if (count < 2 || stride == 0) {
+        return removed;
+    }
+    std::vector<float> data = vertices.interleaved();
+    auto at = [&](std::size_t v) { return data.data() + v * stride; };
+
+    std::vector<std::uint32_t> points;
+    points.reserve(count);
+    for (std::size_t v = 0; v < count; ++v) {
+        if (isComparable(at(v), stride)) {
+            points.push_back(static_cast<std::uint32_t>(v));
+        }
+    }
+    KdTree tree(data.data(), stride, points);
+
+    std::vector<bool> gone(count, false);
+    std::vector<std::uint32_t> target(count);
+    std::uint32_t welded = 0;
+    for (std::uint32_t v : points) {
+        if (gone[v]) {
+            continue;
+        }
+        tree.forEachMatch(at(v), tolerance, [&](std::uint32_t w) {
+            if (w > v && !gone[w]) {
+                gone[w] = true;
+                target[w] = v;
+                ++welded;
+            }
+        });
+    }
+    if (welded == 0) {
+        return removed;
+    }
+
+    // A welded vertex takes the final number of its survivor, which lies before it; a kept vertex
+    // moves down by the number of welded vertices before it.
+    std::vector<std::uint32_t> finalNumber(count);
+    std::uint32_t running = 0;
+    std::vector<float> kept;
+    kept.reserve((count - welded) * stride);
+    for (std::size_t v = 0; v < count; ++v) {
+        if (gone[v]) {
+            finalNumber[v] = finalNumber[target[v]];
+            ++running;
+        } else {
+            finalNumber[v] = static_cast<std::uint32_t>(v) - running;
+            kept.insert(kept.end(), at(v), at(v) + stride);
+        }
+    }
+    for (std::uint32_t& index : indices.indices) {
+        index = finalNumber[index];
+    }
+    vertices.assignInterleaved(kept, count - welded);
+    return removed + welded;
+}
+
+}  // namespace model::utils

@@ -1,0 +1,154 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <random>
+
+#include "core/ExtException.h"
+#include "model/utils/WeldVertices.h"
+#include "utils/ReferenceMerging.h"
+
+namespace {
+
+using namespace model;
+using namespace model::utils;
+
+// Vertices of POSITION0 with four floats: x, y, z and the parent tag.
+Vertices positions(const std::vector<std::array<float, 4>>& points) {
+    Vertices v;
+    std::vector<float> data;
+    for (const auto& p : points) {
+        data.insert(data.end(), p.begin(), p.end());
+    }
+    v.setAttribute(POSITION0, 4, data);
+    return v;
+}
+
+// Equality of layout and of every float's bits, so that not-a-number values compare too.
+bool sameBits(const Vertices& a, const Vertices& b) {
+    std::vector<float> x = a.interleaved();
+    std::vector<float> y = b.interleaved();
+    return a.format() == b.format() && x.size() == y.size() &&
+           std::memcmp(x.data(), y.data(), x.size() * sizeof(float)) == 0;
+}
+
+std::vector<float> xs(const Vertices& v) {
+    std::vector<float> out;
+    const auto& data = v.attribute(POSITION0).data;
+    for (std::size_t i = 0; i < data.size(); i += 4) {
+        out.push_back(data[i]);
+    }
+    return out;
+}
+
+TEST(WeldVertices, ToleranceIsOneHundredThousandthInclusiveAndSurvivorsKeepTheirValues) {
+    EXPECT_EQ(std::bit_cast<std::uint32_t>(kWeldTolerance), 0x3727C5ACu);
+    Vertices v = positions({{0, 0, 0, 0}, {1e-5f, 0, 0, 0}, {5, 0, 0, 0}, {5 + 2e-5f, 0, 0, 0}});
+    Indices i(kTriangleList, {0, 1, 2, 3, 2, 1});
+    EXPECT_EQ(weldVertices(v, i, kWeldTolerance), 1u);
+    EXPECT_EQ(xs(v), (std::vector<float>{0, 5, 5 + 2e-5f}));
+    EXPECT_EQ(i.indices, (std::vector<std::uint32_t>{0, 0, 1, 2, 1, 0}));
+}
+
+TEST(WeldVertices, TheFourthFloatMustMatchBitForBit) {
+    // Same place, different parents; and +0 against -0, which are equal as numbers.
+    Vertices v = positions({{1, 2, 3, 0}, {1, 2, 3, 1}, {1, 2, 3, -0.0f}, {1, 2, 3, 0}});
+    Indices i(kPoints, {0, 1, 2, 3});
+    EXPECT_EQ(weldVertices(v, i, kWeldTolerance), 1u);
+    EXPECT_EQ(i.indices, (std::vector<std::uint32_t>{0, 1, 2, 0}));
+}
+
+TEST(WeldVertices, MatchesOfMatchesAreNotChained) {
+    // b is within reach of a and of c, c is not within reach of a: a takes b, c stays.
+    Vertices v = positions({{0, 0, 0, 0}, {0.8e-5f, 0, 0, 0}, {1.6e-5f, 0, 0, 0}});
+    Indices i(kPoints, {2, 1, 0});
+    EXPECT_EQ(weldVertices(v, i, kWeldTolerance), 1u);
+    EXPECT_EQ(xs(v), (std::vector<float>{0, 1.6e-5f}));
+    EXPECT_EQ(i.indices, (std::vector<std::uint32_t>{1, 0, 0}));
+}
+
+TEST(WeldVertices, UnusedVerticesGoFirstAndCount) {
+    Vertices v = positions({{9, 0, 0, 0}, {1, 0, 0, 0}, {8, 0, 0, 0}, {1, 0, 0, 0}, {2, 0, 0, 0}});
+    Indices i(kTriangleList, {1, 3, 4});
+    EXPECT_EQ(weldVertices(v, i, kWeldTolerance), 3u);  // two unused, one welded
+    EXPECT_EQ(xs(v), (std::vector<float>{1, 2}));
+    EXPECT_EQ(i.indices, (std::vector<std::uint32_t>{0, 0, 1}));
+
+    Vertices lone = positions({{1, 0, 0, 0}, {2, 0, 0, 0}});
+    Indices none(kTriangleList, {});
+    EXPECT_EQ(removeUnusedVertices(lone, none), 2u);
+    EXPECT_EQ(lone.vertexCount(), 0u);
+}
+
+TEST(WeldVertices, FloatsThatAreNotFiniteNeverWeld) {
+    float nan = std::numeric_limits<float>::quiet_NaN();
+    float inf = std::numeric_limits<float>::infinity();
+    Vertices v = positions(
+        {{nan, 0, 0, 0}, {nan, 0, 0, 0}, {inf, 0, 0, 0}, {inf, 0, 0, 0}, {0, 0, 0, nan}, {0, 0, 0, nan}});
+    Indices i(kPoints, {0, 1, 2, 3, 4, 5});
+    // A not-a-number tag is compared by its bits, so the last two weld.
+    EXPECT_EQ(weldVertices(v, i, kWeldTolerance), 1u);
+    EXPECT_EQ(i.indices, (std::vector<std::uint32_t>{0, 1, 2, 3, 4, 4}));
+}
+
+TEST(WeldVertices, BrokenMeshesFailWithAClearMessage) {
+    Vertices v = positions({{0, 0, 0, 0}});
+    Indices i(kPoints, {0, 1});
+    try {
+        weldVertices(v, i, kWeldTolerance, "wheel");
+        FAIL();
+    } catch (const nq::ExtException& e) {
+        EXPECT_EQ(e.message(), "Index 1 is past the end of the 1 vertices of node 'wheel'.");
+    }
+    v.setAttribute(NORMAL0, 3, {0, 1});
+    Indices ok(kPoints, {0});
+    try {
+        weldVertices(v, ok, kWeldTolerance);
+        FAIL();
+    } catch (const nq::ExtException& e) {
+        EXPECT_EQ(e.message(), "Wrong vertex size.");
+    }
+}
+
+// Random meshes with clusters at about the tolerance, exact duplicates, tags and odd strides:
+// the k-d tree finds exactly the matches that the search over all vertices finds.
+TEST(WeldVertices, TheTreeWeldsExactlyAsTheFullSearchDoes) {
+    for (std::uint32_t seed = 1; seed <= 300; ++seed) {
+        SCOPED_TRACE(seed);
+        std::mt19937 random(seed);
+        auto below = [&](int n) { return std::uniform_int_distribution<int>(0, n - 1)(random); };
+        int count = 1 + below(200);
+        int extra = below(4);  // floats after the position: 0 gives a stride of 4
+        std::vector<float> positionsData;
+        std::vector<float> extraData;
+        float step = std::array<float, 3>{0.4e-5f, 1e-5f, 0.25f}[static_cast<std::size_t>(below(3))];
+        for (int k = 0; k < count; ++k) {
+            for (int c = 0; c < 3; ++c) {
+                positionsData.push_back(step * static_cast<float>(below(6)));
+            }
+            positionsData.push_back(static_cast<float>(below(2)));
+            for (int c = 0; c < extra; ++c) {
+                extraData.push_back(below(8) == 0 ? std::numeric_limits<float>::quiet_NaN()
+                                                  : step * below(3));
+            }
+        }
+        Vertices a;
+        a.setAttribute(POSITION0, 4, positionsData);
+        if (extra > 0) {
+            a.setAttribute(TEXCOORD0, extra, extraData);
+        }
+        std::vector<std::uint32_t> indices;
+        for (int k = below(3 * count); k > 0; --k) {
+            indices.push_back(static_cast<std::uint32_t>(below(count)));
+        }
+        Vertices b = a;
+        Indices ia(kTriangleList, indices);
+        Indices ib = ia;
+        EXPECT_EQ(weldVertices(a, ia, kWeldTolerance), reference::weldVertices(b, ib, kWeldTolerance));
+        EXPECT_TRUE(sameBits(a, b));
+        EXPECT_EQ(ia, ib);
+    }
+}
+
+}  // namespace
