@@ -6,6 +6,9 @@
 #include <optional>
 #include <utility>
 
+#include "host/Constants.h"
+#include "host/Interface.h"
+
 namespace host {
 namespace {
 
@@ -21,6 +24,8 @@ Services& services() {
     return s;
 }
 
+}  // namespace
+
 std::string defaultPluginConfigDir() {
     if (const char* xdg = std::getenv("XDG_CONFIG_HOME"); xdg && *xdg) {
         return std::string(xdg) + "/nqfexp";
@@ -31,8 +36,6 @@ std::string defaultPluginConfigDir() {
     return ".";
 }
 
-}  // namespace
-
 void messageBox(std::string_view title, std::string_view text) {
     MessageBoxFunction show;
     {
@@ -41,6 +44,10 @@ void messageBox(std::string_view title, std::string_view text) {
     }
     if (show) {
         show(title, text);
+        return;
+    }
+    if (Interface* ip = GetCOREInterface()) {
+        ip->MessageBox(ip->GetMAXHWnd(), std::string(text), std::string(title), MB_OK | MB_ICONWARNING);
         return;
     }
     std::fprintf(stderr, "%.*s: %.*s\n", static_cast<int>(title.size()), title.data(),
@@ -54,16 +61,25 @@ MessageBoxFunction setMessageBoxFunction(MessageBoxFunction function) {
 }
 
 std::string pluginConfigDir() {
-    std::lock_guard<std::mutex> guard(services().lock);
-    if (!services().pluginConfigDir) {
-        services().pluginConfigDir = defaultPluginConfigDir();
+    {
+        std::lock_guard<std::mutex> guard(services().lock);
+        if (services().pluginConfigDir) {
+            return *services().pluginConfigDir;
+        }
     }
-    return *services().pluginConfigDir;
+    if (Interface* ip = GetCOREInterface()) {
+        return ip->GetDir(APP_PLUGCFG_DIR);
+    }
+    return defaultPluginConfigDir();
 }
 
 void setPluginConfigDir(std::string directory) {
     std::lock_guard<std::mutex> guard(services().lock);
-    services().pluginConfigDir = std::move(directory);
+    if (directory.empty()) {
+        services().pluginConfigDir.reset();
+    } else {
+        services().pluginConfigDir = std::move(directory);
+    }
 }
 
 void refreshNodeInfo() {

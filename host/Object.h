@@ -1,0 +1,31 @@
+#pragma once
+// Scene objects: what a node carries (geometry, light, shape, helper, ...), told apart by super
+// class and class. The result of evaluating a node at a time is an ObjectState.
+
+#include "host/Animatable.h"
+#include "host/Matrix3.h"
+
+namespace host {
+
+class Object : public Animatable {};
+
+// A node's object as evaluated at one time, at the top of its modifier stack.
+struct ObjectState {
+    Object* obj = nullptr;
+};
+
+class HelperObject : public Object {
+public:
+    // The literal stands for HELPER_CLASS_ID: this header is also read beside the host's own
+    // headers, where that name is a macro.
+    SClass_ID SuperClassID() override { return 0x50; }
+};
+
+// The dummy helper: a box with no other data.
+class DummyObject : public HelperObject {
+public:
+    // The box in the object's own space.
+    virtual Box3 GetBox() = 0;
+};
+
+}  // namespace host

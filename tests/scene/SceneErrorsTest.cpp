@@ -1,0 +1,198 @@
+// Bad scene documents: each fault names its document path (or, for faults of the JSON text, its
+// line and column) and the loader never returns a partial scene.
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "scene/SceneLoader.h"
+
+namespace {
+
+struct Fault {
+    std::string path;
+    std::string message;
+    int line = 0;
+    int column = 0;
+};
+
+Fault faultOf(const std::string& json) {
+    try {
+        scene::parseScene(json);
+    } catch (const scene::DocumentError& e) {
+        return {e.path(), e.message(), e.line(), e.column()};
+    }
+    ADD_FAILURE() << "no fault in " << json;
+    return {};
+}
+
+void expectFault(const std::string& json, const std::string& path, const std::string& message) {
+    Fault f = faultOf(json);
+    EXPECT_EQ(f.path, path) << json;
+    EXPECT_EQ(f.message, message) << json;
+}
+
+TEST(SceneErrors, WrongTypesNameTheirPath) {
+    expectFault(R"({"nodes": [{}, {}, {}, {"children": [{"userProps": 5}]}]})",
+                "nodes[3].children[0].userProps", "expected a string");
+    expectFault(R"({"nodes": [{"hidden": "yes"}]})", "nodes[0].hidden", "expected true or false");
+    expectFault(R"({"nodes": {"name": "a"}})", "nodes", "expected an array");
+    expectFault(R"({"nodes": [[]]})", "nodes[0]", "expected an object");
+    expectFault(R"([1, 2])", "", "expected an object");
+    expectFault(R"({"time": 1.5})", "time", "expected an integer");
+    expectFault(R"({"time": 2147483648})", "time", "expected an integer from -2147483648 to 2147483647");
+    expectFault(R"({"time": 1e20})", "time", "expected an integer from -2147483648 to 2147483647");
+    expectFault(R"({"time": 18446744073709551615})", "time",
+                "expected an integer from -2147483648 to 2147483647");
+    expectFault(R"({"ticksPerFrame": 0})", "ticksPerFrame", "expected an integer from 1 to 4800");
+    expectFault(R"({"nodes": [{"localTM": [[1e39, 0, 0], [0, 1, 0], [0, 0, 1], [0, 0, 0]]}]})",
+                "nodes[0].localTM[0][0]", "number out of the range of a 32-bit float");
+    expectFault(R"({"materials": [{"name": null}]})", "materials[0].name", "expected a string");
+}
+
+TEST(SceneErrors, UnknownAndRepeatedFields) {
+    expectFault(R"({"nodes": [{"name": "a", "hiden": true}]})", "nodes[0].hiden", "unknown field");
+    expectFault(R"({"nodes": [{"name": "a", "name": "b"}]})", "nodes[0].name", "repeated field");
+    expectFault(R"({"materials": [], "materials": []})", "materials", "repeated field");
+    expectFault(R"({"nodes": [{"object": {"mesh": {}}}]})", "nodes[0].object.mesh", "unknown field");
+}
+
+TEST(SceneErrors, MissingRequiredStructure) {
+    expectFault(R"({"nodes": [{"object": {"class": ["0x1234", 0]}}]})", "nodes[0].object.superClass",
+                "required for an object of class (0x1234, 0x0), which the host does not know");
+    expectFault(R"({"nodes": [{"object": {"superClass": "0x20"}}]})", "nodes[0].object.class",
+                "required for an object of super class 0x20");
+    expectFault(R"({"materials": [{"attributes": [{"name": "x"}]}]})", "materials[0].attributes[0].class",
+                "required: a custom attribute is known by its class");
+}
+
+TEST(SceneErrors, ContradictoryObjects) {
+    expectFault(R"({"nodes": [{"object": {"superClass": 16, "class": ["0x876234", 0]}}]})",
+                "nodes[0].object.superClass",
+                "0x10 does not match the class (0x876234, 0x0), whose super class is 0x50");
+    expectFault(R"({"nodes": [{"object": {"superClass": "0x30", "box": {}}}]})", "nodes[0].object.box",
+                "only helpers have a box");
+    expectFault(R"({"nodes": [{"object": {"box": {"min": [0, 0]}}}]})", "nodes[0].object.box.min",
+                "expected 3 numbers");
+}
+
+TEST(SceneErrors, BadMatrixSizes) {
+    expectFault(R"({"nodes": [{"localTM": [[1, 0, 0], [0, 1, 0], [0, 0, 1]]}]})", "nodes[0].localTM",
+                "expected a matrix of 4 rows");
+    expectFault(R"({"nodes": [{"localTM": [[1, 0, 0], [0, 1], [0, 0, 1], [0, 0, 0]]}]})",
+                "nodes[0].localTM[1]", "expected a row of 3 or 4 numbers");
+    expectFault(R"({"nodes": [{"localTM": [1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0]}]})", "nodes[0].localTM",
+                "expected a matrix of 4 rows");
+    expectFault(
+        R"({"nodes": [{"objectOffsetTM": [[1, 0, 0, 0], [0, 1, 0, 0], [0, 0, 1, 0.5], [0, 0, 0, 1]]}]})",
+        "nodes[0].objectOffsetTM[2][3]", "expected 0: the last column of a 4 by 4 matrix must be 0, 0, 0, 1");
+    expectFault(R"({"nodes": [{"children": [{"localTM": [[1, 0, 0], [0, 1, 0], [0, 0, 1], [0, 0, "x"]]}]}]})",
+                "nodes[0].children[0].localTM[3][2]", "expected a number");
+}
+
+TEST(SceneErrors, UnknownClassIdForms) {
+    const std::string expectedPart =
+        "expected a 32-bit unsigned number or a hexadecimal text such as \"0x876234\"";
+    const std::string expectedPair = "expected a class id: a pair of parts such as [\"0x876234\", \"0x0\"]";
+    expectFault(R"({"nodes": [{"object": {"class": ["0xZZ", 0]}}]})", "nodes[0].object.class[0]",
+                expectedPart);
+    expectFault(R"({"nodes": [{"object": {"class": [0, "876234"]}}]})", "nodes[0].object.class[1]",
+                expectedPart);
+    expectFault(R"({"nodes": [{"object": {"class": [-1, 0]}}]})", "nodes[0].object.class[0]", expectedPart);
+    expectFault(R"({"nodes": [{"object": {"class": [4294967296, 0]}}]})", "nodes[0].object.class[0]",
+                expectedPart);
+    expectFault(R"({"nodes": [{"object": {"class": ["0x123456789", 0]}}]})", "nodes[0].object.class[0]",
+                expectedPart);
+    expectFault(R"({"nodes": [{"object": {"superClass": "0x"}}]})", "nodes[0].object.superClass",
+                expectedPart);
+    expectFault(R"({"nodes": [{"object": {"class": "dummy"}}]})", "nodes[0].object.class", expectedPair);
+    expectFault(R"({"nodes": [{"object": {"class": [1, 2, 3]}}]})", "nodes[0].object.class", expectedPair);
+}
+
+TEST(SceneErrors, MaterialReferences) {
+    expectFault(R"({"materials": [{}], "nodes": [{"material": 1}]})", "nodes[0].material",
+                "no material 1: the document has 1 material");
+    expectFault(R"({"nodes": [{"material": -1}]})", "nodes[0].material",
+                "expected an integer from 0 to 2147483647");
+    expectFault(
+        R"({"materials": [{"subMaterials": [1]}, {"subMaterials": [null, 2]}, {"subMaterials": [0]}]})",
+        "materials[2].subMaterials[0]", "material 0 holds itself through its sub-materials");
+    expectFault(R"({"materials": [{"class": ["0x200", 0], "subMaterials": [0]}]})",
+                "materials[0].subMaterials[0]", "material 0 holds itself through its sub-materials");
+}
+
+TEST(SceneErrors, FaultsOfTheTextGiveLineAndColumn) {
+    Fault utf8 = faultOf("{\"nodes\": [\n  {\"name\": \"ab\xC3\x28\"}]}");
+    EXPECT_EQ(utf8.path, "");
+    EXPECT_EQ(utf8.message, "invalid UTF-8");
+    EXPECT_EQ(utf8.line, 2);
+    EXPECT_EQ(utf8.column, 15);
+
+    // A surrogate half encoded as UTF-8 is not valid UTF-8 either; columns count characters.
+    Fault surrogate = faultOf("{\"filePath\": \"\xC3\xA9\xED\xA0\x80\"}");
+    EXPECT_EQ(surrogate.message, "invalid UTF-8");
+    EXPECT_EQ(surrogate.column, 16);
+
+    Fault trailing = faultOf("{\"time\": 5}\n  x");
+    EXPECT_EQ(trailing.message, "unexpected text after the document");
+    EXPECT_EQ(trailing.line, 2);
+    EXPECT_EQ(trailing.column, 3);
+
+    Fault second = faultOf("{} {}");
+    EXPECT_EQ(second.message, "unexpected text after the document");
+    EXPECT_EQ(second.column, 4);
+
+    Fault comma = faultOf("{\"nodes\": [\n{\"name\": \"a\"}\n{\"name\": \"b\"}]}");
+    EXPECT_EQ(comma.message, "JSON syntax error: a missing or extra comma, colon, bracket or brace");
+    EXPECT_EQ(comma.line, 3);
+    EXPECT_EQ(comma.column, 1);
+
+    Fault number = faultOf("{\"time\": 01}");
+    EXPECT_EQ(number.message, "invalid number");
+    EXPECT_EQ(number.column, 10);
+
+    Fault literal = faultOf("{\"nodes\": [{\"hidden\": tru}]}");
+    EXPECT_EQ(literal.message, "invalid literal: expected true, false or null");
+    EXPECT_EQ(literal.column, 23);
+
+    EXPECT_EQ(faultOf("{\"filePath\": \"a\\qb\"}").message, "invalid string");
+    EXPECT_EQ(faultOf("{\"nodes\": [{}").message,
+              "JSON syntax error: a missing or extra comma, colon, bracket or brace");
+    EXPECT_EQ(faultOf("  \n ").message, "the document is empty");
+    EXPECT_EQ(faultOf(std::string(3000, '[') + std::string(3000, ']')).message,
+              "the document nests deeper than 1024 levels");
+}
+
+TEST(SceneErrors, DescribedForTheUser) {
+    try {
+        scene::parseScene(R"({"nodes": [{"userProps": 1}]})");
+        FAIL();
+    } catch (const scene::DocumentError& e) {
+        EXPECT_EQ(e.describe("ship.json"), "ship.json: nodes[0].userProps: expected a string");
+        EXPECT_STREQ(e.what(), "nodes[0].userProps: expected a string");
+    }
+    try {
+        scene::parseScene("{}\n}");
+        FAIL();
+    } catch (const scene::DocumentError& e) {
+        EXPECT_EQ(e.describe("ship.json"), "ship.json:2:1: unexpected text after the document");
+        EXPECT_STREQ(e.what(), "line 2, column 1: unexpected text after the document");
+    }
+}
+
+TEST(SceneErrors, UnreadableFile) {
+    try {
+        scene::loadScene(NQ_BINARY_DIR "/no/such/scene.json");
+        FAIL();
+    } catch (const scene::DocumentError& e) {
+        EXPECT_EQ(e.message(), "cannot open the scene document: No such file or directory");
+    }
+    try {
+        scene::loadScene(NQ_SOURCE_DIR);
+        FAIL();
+    } catch (const scene::DocumentError& e) {
+        EXPECT_EQ(e.message(), "cannot read the scene document: Is a directory");
+    }
+}
+
+}  // namespace
