@@ -29,8 +29,9 @@ Vertices positions(const std::vector<std::array<float, 4>>& points) {
 bool sameBits(const Vertices& a, const Vertices& b) {
     std::vector<float> x = a.interleaved();
     std::vector<float> y = b.interleaved();
+    // memcmp must not see the null data of empty arrays.
     return a.format() == b.format() && x.size() == y.size() &&
-           std::memcmp(x.data(), y.data(), x.size() * sizeof(float)) == 0;
+           (x.empty() || std::memcmp(x.data(), y.data(), x.size() * sizeof(float)) == 0);
 }
 
 std::vector<float> xs(const Vertices& v) {
