@@ -89,7 +89,8 @@ void settle(Vertices& v, const VertexFormat& format) {
 }
 
 bool sameBits(const std::vector<float>& a, const std::vector<float>& b) {
-    return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(float)) == 0;
+    return a.size() == b.size() &&
+           (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(float)) == 0);
 }
 
 std::size_t hashBits(const std::vector<float>& data, std::size_t seed) {
