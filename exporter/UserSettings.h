@@ -60,6 +60,11 @@ public:
     bool save() const { return save(filePath()); }
     bool save(const std::filesystem::path& file) const;
 
+    // Run-time only, never saved: a bounding box helper's "maxFrame" asks for the animation keys to
+    // be rescaled by this factor at the end of the export.
+    bool keysRescaleEnabled = false;
+    double keysRescaleFactor = 1.0;
+
     // Every field as data, in the order of the record.
     static std::span<const SettingInfo> options();
     static const SettingInfo* findOption(std::string_view name);

@@ -1,0 +1,170 @@
+// nqfexport as users run it: scene documents in, .nqf files out, read back with the reader.
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <variant>
+
+#include "exporter/UserSettings.h"
+#include "model/io/NqfReader.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct Outcome {
+    int status = -1;
+    std::string err;
+};
+
+class Nqfexport : public ::testing::Test {
+protected:
+    void SetUp() override {
+        std::string pattern = (fs::temp_directory_path() / "nqfexport-test-XXXXXX").string();
+        ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
+        dir = pattern;
+        fs::create_directories(dir / "cfg");
+    }
+    void TearDown() override { fs::remove_all(dir); }
+
+    static std::string scene(const std::string& name) {
+        return std::string(NQ_SOURCE_DIR) + "/tests/scenes/" + name;
+    }
+    static std::string slurp(const fs::path& p) {
+        std::ifstream in(p, std::ios::binary);
+        return {std::istreambuf_iterator<char>(in), {}};
+    }
+    Outcome run(const std::string& args) {
+        const std::string command = std::string(NQ_BINARY_DIR) + "/apps/nqfexport --plugcfg " +
+                                    (dir / "cfg").string() + " " + args + " >/dev/null 2>" +
+                                    (dir / "err").string();
+        Outcome r;
+        const int raw = std::system(command.c_str());
+        r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+        r.err = slurp(dir / "err");
+        return r;
+    }
+    model::io::NqfDocument read(const fs::path& file) {
+        const std::string bytes = slurp(file);
+        return model::io::readNqf(
+            std::span(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()));
+    }
+
+    fs::path dir;
+};
+
+// Element (row, column) of a transform node's matrix.
+double at(const model::io::NqfNode& node, int row, int column) {
+    return std::get<model::io::NqfTransformBody>(node.body)
+        .matrix[static_cast<std::size_t>(row * 4 + column)];
+}
+
+TEST_F(Nqfexport, EmptySceneWritesRootPlainNodeAndConversion) {
+    const fs::path out = dir / "Empty.nqf";
+    const Outcome r = run(scene("empty.json") + " -o " + out.string());
+    ASSERT_EQ(r.status, 0) << r.err;
+    const model::io::NqfDocument doc = read(out);
+    EXPECT_EQ(doc.root.head.name, "Scene Root");
+    ASSERT_GE(doc.tree.size(), 1u);
+    EXPECT_EQ(doc.tree[0].head.className, "model::Node");
+    ASSERT_EQ(doc.tree.size(), 2u);
+    EXPECT_EQ(doc.tree[1].head.className, "model::TransformNode");
+    // The axis change at scale 1: (x, y, z) becomes (x, z, -y).
+    EXPECT_EQ(at(doc.tree[1], 1, 2), -1.0);
+    EXPECT_EQ(at(doc.tree[1], 2, 1), 1.0);
+}
+
+TEST_F(Nqfexport, DefaultTargetIsBesideTheDocumentFolded) {
+    fs::copy_file(scene("empty.json"), dir / "Mixed.json");
+    const Outcome r = run((dir / "Mixed.json").string());
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_TRUE(fs::exists(dir / "mixed.nqf"));
+}
+
+TEST_F(Nqfexport, OriginMovesTheTreeBeforeTheAxisChange) {
+    const fs::path out = dir / "origin.nqf";
+    const Outcome r = run(scene("origin.json") + " -o " + out.string());
+    ASSERT_EQ(r.status, 0) << r.err;
+    const model::io::NqfDocument doc = read(out);
+    ASSERT_GE(doc.tree.size(), 2u);
+    // The offset (-1, -2, -3) in scene units, then (x, y, z) -> (x, z, -y).
+    EXPECT_DOUBLE_EQ(at(doc.tree[1], 3, 0), -1.0);
+    EXPECT_DOUBLE_EQ(at(doc.tree[1], 3, 1), -3.0);
+    EXPECT_DOUBLE_EQ(at(doc.tree[1], 3, 2), 2.0);
+}
+
+TEST_F(Nqfexport, BadDocumentExitsTwoWithThePathOfTheFault) {
+    const Outcome r = run(scene("bad_document.json") + " -o " + (dir / "x.nqf").string());
+    EXPECT_EQ(r.status, 2);
+    EXPECT_NE(r.err.find("bad_document.json: nodes[1].userProps"), std::string::npos) << r.err;
+    EXPECT_FALSE(fs::exists(dir / "x.nqf"));
+}
+
+TEST_F(Nqfexport, UsageErrorsExitTwo) {
+    EXPECT_EQ(run("").status, 2);
+    EXPECT_EQ(run(scene("empty.json") + " --no-such-flag").status, 2);
+    EXPECT_EQ(run("/no/such/scene.json").status, 2);
+}
+
+TEST_F(Nqfexport, UnknownTypeWordIsAnErrorWhenAskedForAndNoFileIsWritten) {
+    UserSettings settings;
+    settings.setErrorOnInvalidUserDefs(true);
+    ASSERT_TRUE(settings.save(dir / "cfg" / "nqfexp.cfg"));
+    const fs::path out = dir / "unknown.nqf";
+    const Outcome r = run(scene("unknown_type.json") + " -o " + out.string());
+    EXPECT_EQ(r.status, 1);
+    EXPECT_NE(r.err.find("Unknown node type: wheel. Node: hull.\tFile: Exporter\\src\\NQModelExporter:"),
+              std::string::npos)
+        << r.err;
+    EXPECT_FALSE(fs::exists(out));
+}
+
+TEST_F(Nqfexport, UnknownTypeWordWithoutTheSettingLeavesTheNodeWithoutSettings) {
+    const fs::path out = dir / "unknown.nqf";
+    const Outcome r = run(scene("unknown_type.json") + " -o " + out.string());
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_TRUE(fs::exists(out));
+}
+
+TEST_F(Nqfexport, ConnectorNameOf64BytesIsAnError) {
+    const fs::path out = dir / "long.nqf";
+    const Outcome r = run(scene("long_connector.json") + " -o " + out.string());
+    EXPECT_EQ(r.status, 1);
+    EXPECT_NE(
+        r.err.find(
+            "Node 'connector_with_a_name_that_is_far_too_long_for_the_file_format_x' has tool long name "
+            "for connector (64 vs. 64)! \tFile: Exporter\\src\\NQModelExporter:"),
+        std::string::npos)
+        << r.err;
+    EXPECT_FALSE(fs::exists(out));
+}
+
+TEST_F(Nqfexport, ExampleHasBoxesAndConnectors) {
+    const fs::path out = dir / "example.nqf";
+    const Outcome r = run(std::string(NQ_SOURCE_DIR) + "/examples/example.json -o " + out.string());
+    ASSERT_EQ(r.status, 0) << r.err;
+    const model::io::NqfDocument doc = read(out);
+    bool found = false;
+    for (const auto& group : doc.groups) {
+        if (group.name == "CONNECTORS") {
+            // Every helper that passes the connector test is one; ORIGIN and Dummy01 are not.
+            ASSERT_EQ(group.nodes.size(), 3u);
+            EXPECT_EQ(group.nodes[0].head.name, "bbox");
+            EXPECT_EQ(group.nodes[1].head.name, "boom");
+            EXPECT_EQ(group.nodes[2].head.name, "hook");
+            found = true;
+        }
+    }
+    EXPECT_TRUE(found);
+    // The helper's box through the axis change: z (0..8) becomes y, y (-10..10) becomes -z.
+    EXPECT_FLOAT_EQ(doc.root.boundingBox.min[1], 0.0f);
+    EXPECT_FLOAT_EQ(doc.root.boundingBox.max[1], 8.0f);
+    EXPECT_FLOAT_EQ(doc.root.userBox.max[2], 10.0f);
+    EXPECT_TRUE(fs::exists(dir / "cfg" / "aux_func.lua"));
+}
+
+}  // namespace
