@@ -14,6 +14,10 @@
 #include "host/HostServices.h"
 #include "model/Node.h"
 #include "model/ObjectRegistry.h"
+#include "model/utils/ModelBoxes.h"
+#include "model/utils/ModelStatistics.h"
+#include "model/utils/Optimizers.h"
+#include "model/utils/RenderNodePasses.h"
 #include "usertext/ParamsLuaWrapper.h"
 
 #ifndef NQ_VERSION_TEXT
@@ -37,6 +41,18 @@ unsigned long progressCallback(void*) {
 // for the byte-wise fold of a UTF-8 path's Latin letters and leaves every other byte as it is.
 std::string foldedPath(std::string text) {
     return nq::utf8ToLower(text);
+}
+
+// The statistics as indented lines, one entry per line, children two spaces further in.
+void appendStatistics(std::string& text, const model::utils::ModelStatistics& entry, int depth) {
+    if (!entry.name.empty()) {
+        text.append(static_cast<std::size_t>(depth) * 2, ' ');
+        text += entry.name + ": " + entry.value + "\n";
+        ++depth;
+    }
+    for (const model::utils::ModelStatistics& child : entry.children) {
+        appendStatistics(text, child, depth);
+    }
 }
 
 }  // namespace
@@ -97,7 +113,12 @@ void NQModelExporter::startViewer(const std::string& path) {
 }
 
 void NQModelExporter::showStatistics() {
-    // The statistics of the finished tree join here when the statistics pass is available.
+    if (!rootNode) {
+        return;
+    }
+    std::string text;
+    appendStatistics(text, model::utils::gatherStatistics(*rootNode), 0);
+    ip->MessageBox(ip->GetMAXHWnd(), text, "Export statistics", host::MB_OK | host::MB_ICONINFORMATION);
 }
 
 int NQModelExporter::DoExport(const char* name, host::ExpInterface*, host::Interface* host, bool,
@@ -167,26 +188,30 @@ int NQModelExporter::DoExport(const char* name, host::ExpInterface*, host::Inter
 
     try {
         ip->ProgressStart("Optimizations...", false, progressCallback, nullptr);
-        // The tree optimisers, the number conversion, the normal smoothing and the render-node
-        // passes run here, in that order, as each becomes available.
+        model::optimizeTransformations(rootNode.get());
+        // The number conversion and the normal smoothing run here once they are available.
+        model::utils::runRenderNodePasses(*rootNode);
         ip->ProgressEnd();
 
         model::RootNode& root = *rootNode;
         if (!root.boundingBox.isValid()) {
             if (root.hasBones()) {
                 reportError("Model has bones so it must have manually set bounding box.");
+            } else {
+                root.boundingBox = model::utils::computeBoundingBox(root);
             }
-            // Otherwise the box is computed from the render and shell nodes, which the walk makes
-            // once meshes are exported; until then the tree has no extent and the box stays empty.
         }
-        // rescaleAnimationKeys runs here when keysRescaleEnabled, once the optimisers provide it.
+        if (userSettings().keysRescaleEnabled) {
+            model::rescaleAnimationKeys(root.rootNode(), userSettings().keysRescaleFactor);
+        }
         if (!root.userBox.isValid()) {
             root.userBox = root.boundingBox;
         }
         if (root.lightNodes().empty()) {
             root.lightBox = model::Box{};
+        } else if (!root.lightBox.isValid()) {
+            root.lightBox = model::utils::computeLightBox(root);
         }
-        // A light box computed from the light nodes joins here with the export of lights.
 
         ip->ProgressStart("Writing file...", false, progressCallback, nullptr);
         ip->ProgressUpdate(1, true, nullptr);

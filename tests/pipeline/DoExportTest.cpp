@@ -41,6 +41,10 @@ public:
         HeadlessInterface::ProgressStart(title, showBar, callback, argument);
     }
     int MessageBox(host::HWND, const std::string& text, const std::string& caption, unsigned type) override {
+        if (caption == "Export statistics") {
+            statistics.push_back(text);
+            return 1;
+        }
         boxes.push_back(caption + ": " + text);
         lastType = type;
         return 1;
@@ -54,6 +58,7 @@ public:
     std::function<void()> onProgressStart;
     std::vector<std::string> titles;
     std::vector<std::string> boxes;
+    std::vector<std::string> statistics;
     std::vector<std::string> started;
     unsigned lastType = 0;
     int shellResult = 42;
@@ -116,6 +121,13 @@ TEST_F(DoExportTest, ViewerGetsTheTargetInPlaceOfTheFirstFileMarkOnly) {
     ASSERT_EQ(host.started.size(), 1u);
     EXPECT_EQ(host.started[0], "/opt/viewer|-open \"" + target + "\" -log $FILE$|/tmp");
     EXPECT_TRUE(host.boxes.empty());
+    // A good export ends with the statistics of the tree it wrote, one entry per line.
+    ASSERT_EQ(host.statistics.size(), 1u);
+    EXPECT_EQ(host.statistics[0].rfind("nTransformNodes: ", 0), 0u) << host.statistics[0];
+    EXPECT_NE(host.statistics[0].find("\nnArguments: 0\n"), std::string::npos) << host.statistics[0];
+    userSettings().setShowExportStat(false);
+    exporter.DoExport(target.c_str(), nullptr, &host);
+    EXPECT_EQ(host.statistics.size(), 1u);
 }
 
 TEST_F(DoExportTest, AViewerThatDoesNotStartIsReportedAndTheFileStands) {
@@ -149,6 +161,7 @@ TEST_F(DoExportTest, CollectedErrorsKeepTheFileAndTheViewerAway) {
             "Export errors: Unknown node type: wheel. Node: x.\tFile: Exporter\\src\\NQModelExporter:", 0),
         0u)
         << host.boxes[0];
+    EXPECT_TRUE(host.statistics.empty());
     EXPECT_EQ(exporter::exportInProgress, 0);
 }
 
