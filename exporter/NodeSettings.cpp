@@ -105,7 +105,28 @@ private:
     NodeSettings& settings_;
 };
 
+// A property, animated-property or array handler that leaves the node's own four keys alone:
+// those never become properties of a node. A reserved key of the wrong kind ("TYPE" given as a
+// number) is thus taken by no handler and dropped.
+class NonReservedHandler : public lu::FuncHandler {
+public:
+    explicit NonReservedHandler(lu::FuncHandler* inner) : inner_(inner) {}
+    bool accepts(const std::string& name, const lu::Values& values) override {
+        return !isReservedNodeKey(name) && inner_->accepts(name, values);
+    }
+    void process(const std::string& name, const lu::Values& values) override {
+        inner_->process(name, values);
+    }
+
+private:
+    lu::FuncHandlerPtr inner_;
+};
+
 }  // namespace
+
+bool isReservedNodeKey(std::string_view name) {
+    return name == "TYPE" || name == "SMOOTH_NORMALS" || name == "NO_CONNECTOR" || name == "DAMAGE_ARGUMENT";
+}
 
 void NodeSettings::clear(bool smoothDefault) {
     properties.clear();
@@ -115,6 +136,17 @@ void NodeSettings::clear(bool smoothDefault) {
     smoothNormals = smoothDefault;
     noConnector = false;
     damageArgument = -1;
+}
+
+std::string nodeTypeWords(std::uint32_t flags) {
+    std::string words;
+    for (const auto& [name, bit] : kTypeWords) {
+        if ((flags & bit) != 0) {
+            words += words.empty() ? "" : "|";
+            words += name;
+        }
+    }
+    return words;
 }
 
 std::uint32_t nodeTypeFlags(std::string_view text) {
@@ -141,16 +173,18 @@ std::uint32_t nodeTypeFlags(std::string_view text) {
 }
 
 lu::FuncHandlers nodeSettingsHandlers(NodeSettings& settings, std::uint32_t smoothNormalsSetting) {
-    // The node's own keys are tried first: the property handlers accept any key by its kind alone,
-    // and would otherwise turn TYPE and the other three into plain properties.
+    // The node's own keys are tried first, and the property handlers decline them: those accept
+    // any key by its kind alone and would otherwise turn TYPE and the other three into plain
+    // properties.
     return {
         lu::FuncHandlerPtr(new NodeFlagHandler(settings)),
         lu::FuncHandlerPtr(new NormalSmoothFlagHandler(settings, smoothNormalsSetting)),
         lu::FuncHandlerPtr(new NoConnectorFlagHandler(settings)),
         lu::FuncHandlerPtr(new DamageHandler(settings)),
-        lu::FuncHandlerPtr(new lu::PropertiesHandler(settings.properties)),
-        lu::FuncHandlerPtr(new lu::AnimatedPropertiesHandler(settings.animatedProperties)),
-        lu::FuncHandlerPtr(new lu::ArrayHandler(settings.arrays)),
+        lu::FuncHandlerPtr(new NonReservedHandler(new lu::PropertiesHandler(settings.properties))),
+        lu::FuncHandlerPtr(
+            new NonReservedHandler(new lu::AnimatedPropertiesHandler(settings.animatedProperties))),
+        lu::FuncHandlerPtr(new NonReservedHandler(new lu::ArrayHandler(settings.arrays))),
     };
 }
 

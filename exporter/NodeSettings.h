@@ -44,9 +44,16 @@ struct NodeSettings {
     void clear(bool smoothDefault);
 };
 
+// "TYPE", "SMOOTH_NORMALS", "NO_CONNECTOR" and "DAMAGE_ARGUMENT": keys a node's text gives to the
+// node itself, never properties of it.
+bool isReservedNodeKey(std::string_view name);
+
 // The bits of a TYPE text: words split on '|'. An unknown word throws nq::ExtException
 // "Unknown node type: " followed by the word.
 std::uint32_t nodeTypeFlags(std::string_view text);
+// The words of the bits set in flags, joined by '|' in the order of the word list; bits without a
+// word are left out.
+std::string nodeTypeWords(std::uint32_t flags);
 
 // The handlers in the order the parser tries them: TYPE, SMOOTH_NORMALS, NO_CONNECTOR,
 // DAMAGE_ARGUMENT, then properties, animated properties and arrays. smoothNormalsSetting is the setting

@@ -19,6 +19,7 @@ namespace {
 struct Outcome {
     int status = -1;
     std::string err;
+    std::string out;
 };
 
 class Nqfexport : public ::testing::Test {
@@ -40,13 +41,26 @@ protected:
     }
     Outcome run(const std::string& args) {
         const std::string command = std::string(NQ_BINARY_DIR) + "/apps/nqfexport --plugcfg " +
-                                    (dir / "cfg").string() + " " + args + " >/dev/null 2>" +
-                                    (dir / "err").string();
+                                    (dir / "cfg").string() + " " + args + " >" + (dir / "out").string() +
+                                    " 2>" + (dir / "err").string();
         Outcome r;
         const int raw = std::system(command.c_str());
         r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
         r.err = slurp(dir / "err");
+        r.out = slurp(dir / "out");
         return r;
+    }
+    // The connectors of a file by name.
+    std::vector<std::string> connectorNames(const fs::path& file) {
+        std::vector<std::string> names;
+        for (const auto& group : read(file).groups) {
+            if (group.name == "CONNECTORS") {
+                for (const auto& node : group.nodes) {
+                    names.push_back(node.head.name);
+                }
+            }
+        }
+        return names;
     }
     model::io::NqfDocument read(const fs::path& file) {
         const std::string bytes = slurp(file);
@@ -160,6 +174,10 @@ TEST_F(Nqfexport, ExampleHasBoxesAndConnectors) {
             EXPECT_EQ(group.nodes[0].head.name, "bbox");
             EXPECT_EQ(group.nodes[1].head.name, "boom");
             EXPECT_EQ(group.nodes[2].head.name, "hook");
+            // The user text gives the hook its load; the hidden hatch stays out.
+            ASSERT_EQ(group.nodes[2].head.properties.size(), 1u);
+            EXPECT_EQ(group.nodes[2].head.properties[0].name, "load");
+            EXPECT_EQ(group.nodes[2].head.properties[0].floats, std::vector<float>{250.0f});
             found = true;
         }
     }
@@ -169,6 +187,111 @@ TEST_F(Nqfexport, ExampleHasBoxesAndConnectors) {
     EXPECT_FLOAT_EQ(doc.root.boundingBox.max[1], 8.0f);
     EXPECT_FLOAT_EQ(doc.root.userBox.max[2], 10.0f);
     EXPECT_TRUE(fs::exists(dir / "cfg" / "aux_func.lua"));
+}
+
+TEST_F(Nqfexport, HiddenParentsHideTheirSubtreeUnlessHiddenObjectsAreExported) {
+    const fs::path out = dir / "hidden.nqf";
+    Outcome r = run(scene("hidden_and_reserved.json") + " -o " + out.string());
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(connectorNames(out), std::vector<std::string>{"winch"});
+    r = run(scene("hidden_and_reserved.json") + " -o " + out.string() + " --set exportHiddenObjects=1");
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(connectorNames(out), (std::vector<std::string>{"mast", "flag", "winch"}));
+}
+
+TEST_F(Nqfexport, TypeGivenAsAFloatIsDroppedAndTheOtherKeysStay) {
+    // The document has no file path: an unsaved scene exports to the name given.
+    const fs::path out = dir / "reserved.nqf";
+    const Outcome r = run(scene("hidden_and_reserved.json") + " -o " + out.string());
+    ASSERT_EQ(r.status, 0) << r.err;
+    for (const auto& group : read(out).groups) {
+        for (const auto& node : group.nodes) {
+            if (node.head.name == "winch") {
+                std::vector<std::string> names;
+                for (const auto& p : node.head.properties) {
+                    names.push_back(p.name);
+                }
+                EXPECT_EQ(names, std::vector<std::string>{"load"});
+            }
+        }
+    }
+}
+
+TEST_F(Nqfexport, OverridesLastOneRunAndLeaveTheSettingsFileAlone) {
+    UserSettings saved;
+    saved.setShowNodeInfo(true);
+    ASSERT_TRUE(saved.save(dir / "cfg" / "nqfexp.cfg"));
+    const std::string before = slurp(dir / "cfg" / "nqfexp.cfg");
+    const fs::path out = dir / "v11.nqf";
+    Outcome r = run(scene("empty.json") + " -o " + out.string() + " --set exportVersion=11");
+    EXPECT_EQ(r.status, 1);
+    EXPECT_NE(r.err.find("Unsupported version 11.\tFile: Exporter\\src\\NQModelExporter:"), std::string::npos)
+        << r.err;
+    EXPECT_FALSE(fs::exists(out));
+    EXPECT_EQ(slurp(dir / "cfg" / "nqfexp.cfg"), before);
+
+    r = run(scene("empty.json") + " -o " + out.string() + " --set exportVersion=12");
+    EXPECT_EQ(r.status, 2);
+    EXPECT_NE(r.err.find("nqfexport: --set exportVersion=12: exportVersion takes one of"), std::string::npos)
+        << r.err;
+    r = run(scene("empty.json") + " -o " + out.string() + " --set nothing=1");
+    EXPECT_EQ(r.status, 2);
+    EXPECT_NE(r.err.find("unknown setting \"nothing\""), std::string::npos) << r.err;
+    EXPECT_FALSE(fs::exists(out));
+}
+
+TEST_F(Nqfexport, StatisticsAsJsonOnStdout) {
+    const fs::path out = dir / "stats.nqf";
+    const Outcome r =
+        run(std::string(NQ_SOURCE_DIR) + "/examples/example.json -o " + out.string() + " --stats json");
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.out.rfind("[{\"name\":\"nTransformNodes\",\"value\":", 0), 0u) << r.out;
+    EXPECT_NE(r.out.find("{\"name\":\"nConnectors\",\"value\":3,\"children\":[]}"), std::string::npos)
+        << r.out;
+    EXPECT_EQ(r.err.find("Export statistics"), std::string::npos) << r.err;
+}
+
+TEST_F(Nqfexport, CheckTextShowsWhatANodeGetsOrTheExactFault) {
+    std::ofstream(dir / "good.txt") << "TYPE = \"connector\";\nload = 250.0;\n";
+    Outcome r = run("--check-text " + (dir / "good.txt").string());
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.out.rfind("TYPE: 0x2 (connector)\n", 0), 0u) << r.out;
+    EXPECT_NE(r.out.find("Properties (1)\n  load = 250"), std::string::npos) << r.out;
+
+    r = run("--check-text - < " + scene("unknown_type.json"));
+    EXPECT_EQ(r.status, 1);
+    std::ofstream(dir / "bad.txt") << "TYPE = \"renderable|wheel\"";
+    r = run("--check-text " + (dir / "bad.txt").string());
+    EXPECT_EQ(r.status, 1);
+    EXPECT_EQ(r.err, "Unknown node type: wheel\n");
+    EXPECT_EQ(run("--check-text " + (dir / "missing.txt").string()).status, 2);
+}
+
+TEST_F(Nqfexport, ViewerGetsTheFileInPlaceOfTheFirstMarkOnly) {
+    const fs::path viewer = dir / "viewer.sh";
+    const fs::path record = dir / "viewer-args";
+    std::ofstream(viewer) << "#!/bin/sh\nprintf '%s\\n' \"$@\" > " << (dir / "partial").string() << "\nmv "
+                          << (dir / "partial").string() << " " << record.string() << "\n";
+    fs::permissions(viewer, fs::perms::owner_all);
+    const fs::path out = dir / "viewed.nqf";
+    const Outcome r =
+        run(scene("empty.json") + " -o " + out.string() + " --set runViewerAfterExport=1" +
+            " --set viewerPath=" + viewer.string() + " '--set=viewerArgs=-open $FILE$ -log $FILE$'");
+    ASSERT_EQ(r.status, 0) << r.err;
+    // The viewer runs on its own; give it a moment to write what it was given.
+    for (int i = 0; i < 200 && !fs::exists(record); ++i) {
+        ::usleep(25000);
+    }
+    EXPECT_EQ(slurp(record), "-open\n" + out.string() + "\n-log\n$FILE$\n");
+}
+
+TEST_F(Nqfexport, ViewerThatCannotStartIsShownButTheExportStands) {
+    const fs::path out = dir / "noviewer.nqf";
+    const Outcome r = run(scene("empty.json") + " -o " + out.string() +
+                          " --set runViewerAfterExport=1 --set viewerPath=" + (dir / "no-viewer").string());
+    EXPECT_EQ(r.status, 0);
+    EXPECT_NE(r.err.find("Error: Can't execute viewer.\n"), std::string::npos) << r.err;
+    EXPECT_TRUE(fs::exists(out));
 }
 
 }  // namespace

@@ -56,9 +56,18 @@ TEST_F(NodeSettingsTest, SmoothNormalsCountsOnlyUnderSettingsTwoAndThree) {
     EXPECT_FALSE(settings.smoothNormals);
 }
 
-TEST_F(NodeSettingsTest, TypeAsFloatMatchesNoHandler) {
-    exporter::parseNodeSettings("TYPE = 3", settings, 2);
+TEST_F(NodeSettingsTest, ReservedKeysOfTheWrongKindMatchNoHandler) {
+    exporter::parseNodeSettings(
+        "TYPE = 3, SMOOTH_NORMALS = 'yes', NO_CONNECTOR = array(1, 2), "
+        "DAMAGE_ARGUMENT = 'seven', load = 2",
+        settings, 2);
     EXPECT_EQ(settings.flags, 0u);
+    EXPECT_EQ(settings.damageArgument, -1);
+    // None of them turns into a property or an array; the other key does.
+    ASSERT_EQ(settings.properties.size(), 1u);
+    EXPECT_EQ(settings.properties[0]->name, "load");
+    EXPECT_TRUE(settings.arrays.empty());
+    EXPECT_FALSE(exporter::isReservedNodeKey("type"));
 }
 
 TEST_F(NodeSettingsTest, FailedParseLeavesNoSettings) {
