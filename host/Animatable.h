@@ -13,6 +13,7 @@
 namespace host {
 
 class ICustAttribContainer;
+class IParamBlock2;
 
 class Animatable {
 public:
@@ -33,6 +34,25 @@ public:
     }
     // The custom attributes attached to this object, or null when it has none.
     virtual ICustAttribContainer* GetCustAttribContainer() { return nullptr; }
+
+    // The sub-animatables: the tree of parameter groups, parameters and their controllers under
+    // this object, each child with its name. A child may be null (a parameter without controller).
+    virtual int NumSubs() { return 0; }
+    virtual Animatable* SubAnim(int i) {
+        (void)i;
+        return nullptr;
+    }
+    virtual std::string SubAnimName(int i) {
+        (void)i;
+        return {};
+    }
+
+    // The parameter blocks of this object, 0-based; null outside the range.
+    virtual int NumParamBlocks() { return 0; }
+    virtual IParamBlock2* GetParamBlock(int i) {
+        (void)i;
+        return nullptr;
+    }
 };
 
 // One custom attribute: a block of data that a plug-in attaches to an object, told by its class.

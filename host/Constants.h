@@ -23,6 +23,9 @@ inline constexpr SClass_ID SHAPE_CLASS_ID = 0x40;
 inline constexpr SClass_ID HELPER_CLASS_ID = 0x50;
 inline constexpr SClass_ID SCENE_EXPORT_CLASS_ID = 0xA20;
 inline constexpr SClass_ID MATERIAL_CLASS_ID = 0xC00;
+inline constexpr SClass_ID TEXMAP_CLASS_ID = 0xC10;
+inline constexpr SClass_ID CTRL_FLOAT_CLASS_ID = 0x9003;
+inline constexpr SClass_ID CTRL_POINT3_CLASS_ID = 0x9005;
 
 // First parts of classes whose second part is 0.
 inline constexpr std::uint32_t TRIOBJ_CLASS_ID = 0x9;
@@ -37,11 +40,22 @@ inline constexpr std::uint32_t DUMMY_CLASS_ID = 0x876234;
 inline constexpr std::uint32_t DMTL_CLASS_ID = 0x2;
 inline constexpr std::uint32_t MULTI_CLASS_ID = 0x200;
 
+inline constexpr std::uint32_t BMTEX_CLASS_ID = 0x240;
+inline constexpr std::uint32_t BAKE_SHELL_CLASS_ID = 0x255;  // shell material: original and baked
+
 // Classes with two parts.
 inline constexpr Class_ID BONE_OBJ_CLASSID{0x28BF6E8D, 0x2ECCA840};
+// The classes of the companion material plug-in: the material description attribute and the
+// deck material.
+inline constexpr Class_ID MATERIAL_ATTRIB_CLASS_ID{0x7CB6596, 0x7E112E78};
+inline constexpr Class_ID DECK_MTL_CLASS_ID{0xCC02D, 0x5B07B};
+// Argument list controllers of a float and of a colour parameter.
+inline constexpr Class_ID FLOAT_ARGUMENT_LIST_CLASS_ID{0x1B0625F8, 0x361664D0};
+inline constexpr Class_ID COLOR_ARGUMENT_LIST_CLASS_ID{0x6A5A1CAB, 0x6BD85E24};
 
 // Interface ids for Animatable::GetInterface.
 inline constexpr std::uint32_t I_SKIN = 0x10000;
+inline constexpr std::uint32_t I_LISTCTRL = 0x1010;
 
 // Directory numbers for Interface::GetDir.
 inline constexpr int APP_PLUGCFG_DIR = 9;
