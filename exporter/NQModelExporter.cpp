@@ -77,9 +77,9 @@ void NQModelExporter::ShowAbout(host::HWND parent) {
 }
 
 void NQModelExporter::reset() {
-    // The material keeper, the bone keeper and the normal smoother join this clean-up as they are
-    // added to the exporter.
+    // The bone keeper and the normal smoother join this clean-up as they are added to the exporter.
     consumedNodes.clear();
+    mtlKeeper.clear();
     origin = nq::Vec3d{};
     rootNode = nullptr;
 }

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "core/Math.h"
+#include "exporter/MtlKeeper.h"
 #include "host/INode.h"
 #include "host/Interface.h"
 #include "host/SceneExport.h"
@@ -48,6 +49,8 @@ public:
     model::Ptr<model::RootNode> rootNode;
     // Nodes a lod root or number root has exported already.
     std::set<host::INode*> consumedNodes;
+    // The model materials of this export, shared among the nodes that use like materials.
+    MtlKeeper mtlKeeper;
     // World position of the helper named "ORIGIN", scene units.
     nq::Vec3d origin{};
     host::TimeValue time = 0;
