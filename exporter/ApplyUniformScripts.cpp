@@ -2,6 +2,7 @@
 // define them, then the material's override script may change the values of those it defined.
 
 #include "core/ExtException.h"
+#include "exporter/MaxHandler.h"
 #include "exporter/MtlKeeper.h"
 #include "exporter/ReportError.h"
 #include "host/Mtl.h"
@@ -12,9 +13,10 @@
 namespace exporter {
 namespace {
 
-lu::FuncHandlers uniformHandlers(model::PropertyList& uniforms) {
+lu::FuncHandlers uniformHandlers(MtlKeeper* keeper, host::Mtl* mtl, model::PropertyList& uniforms) {
     return {lu::FuncHandlerPtr(new lu::PropertiesHandler(uniforms)),
-            lu::FuncHandlerPtr(new lu::AnimatedPropertiesHandler(uniforms))};
+            lu::FuncHandlerPtr(new lu::AnimatedPropertiesHandler(uniforms)),
+            lu::FuncHandlerPtr(new MaxHandler(keeper, mtl, uniforms))};
 }
 
 }  // namespace
@@ -24,8 +26,8 @@ void MtlKeeper::applyUniformScripts(host::Mtl* mtl, model::PropertiesSet& materi
                                     const std::string& overrideScript) {
     model::PropertyList overrides;
     try {
-        lu::parseUserText(uniformScript + gatheredText, uniformHandlers(material.uniforms));
-        lu::parseUserText(overrideScript, uniformHandlers(overrides));
+        lu::parseUserText(uniformScript + gatheredText, uniformHandlers(this, mtl, material.uniforms));
+        lu::parseUserText(overrideScript, uniformHandlers(this, mtl, overrides));
     } catch (const nq::ExtException& e) {
         reportError("Uniforms: %s Material: %s.\tFile: %s:%d.", e.message().c_str(), mtl->GetName().c_str(),
                     kMtlKeeperSource, __LINE__);
