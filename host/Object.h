@@ -7,7 +7,21 @@
 
 namespace host {
 
-class Object : public Animatable {};
+class Object : public Animatable {
+public:
+    // Whether the object can give an object of the class id, and the conversion. The result is
+    // the object itself or a new one that the caller ends with DeleteThis; null when it cannot.
+    virtual bool CanConvertToType(Class_ID id) {
+        (void)id;
+        return false;
+    }
+    virtual Object* ConvertToType(TimeValue t, Class_ID id) {
+        (void)t;
+        (void)id;
+        return nullptr;
+    }
+    virtual void DeleteThis() { delete this; }
+};
 
 // A node's object as evaluated at one time, at the top of its modifier stack.
 struct ObjectState {

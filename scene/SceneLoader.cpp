@@ -16,6 +16,7 @@
 #include "scene/JsonText.h"
 #include "scene/KnownClasses.h"
 #include "scene/MaterialLoader.h"
+#include "scene/MeshLoader.h"
 #include "scene/SceneObject.h"
 
 namespace scene {
@@ -113,11 +114,12 @@ void SceneReader::readNode(element value, SceneNode& node) {
 }
 
 // The super class and the class may each be left out when the other tells it; an object that
-// gives neither is a dummy helper.
+// gives neither is a triangle object when it has a mesh and a dummy helper otherwise.
 host::Object* SceneReader::readObject(element value) {
     std::optional<host::SClass_ID> superClass;
     std::optional<host::Class_ID> classId;
     std::optional<host::Box3> box;
+    std::optional<element> mesh;
     readFields(value, [&](std::string_view key, element field) {
         if (key == "superClass") {
             superClass = readClassPart(field);
@@ -125,13 +127,15 @@ host::Object* SceneReader::readObject(element value) {
             classId = readClassId(field);
         } else if (key == "box") {
             box = readBox(field);
+        } else if (key == "mesh") {
+            mesh = field;
         } else {
             return false;
         }
         return true;
     });
     if (!superClass && !classId) {
-        superClass = host::HELPER_CLASS_ID;
+        superClass = mesh ? host::GEOMOBJECT_CLASS_ID : host::HELPER_CLASS_ID;
     }
     if (!classId) {
         classId = defaultClass(*superClass);
@@ -153,6 +157,11 @@ host::Object* SceneReader::readObject(element value) {
         fail(fmt::format("0x{:X} does not match the class {}, whose super class is 0x{:X}", *superClass,
                          classText(*classId), *known));
     }
+    const bool triangles = *classId == host::Class_ID(host::TRIOBJ_CLASS_ID, 0);
+    if (mesh && !triangles) {
+        Step step(*this, {"mesh"});
+        fail("only triangle objects have a mesh");
+    }
     if (*superClass == host::HELPER_CLASS_ID) {
         return &scene_.addObject(
             std::make_unique<SceneHelper>(*classId, box.value_or(SceneHelper::defaultBox)));
@@ -160,6 +169,9 @@ host::Object* SceneReader::readObject(element value) {
     if (box) {
         Step step(*this, {"box"});
         fail("only helpers have a box");
+    }
+    if (triangles) {
+        return readMeshObject(*this, scene_, mesh);
     }
     return &scene_.addObject(std::make_unique<SceneObject>(*superClass, *classId));
 }

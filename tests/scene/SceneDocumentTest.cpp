@@ -156,7 +156,7 @@ TEST(SceneDocument, DocumentationExampleLoads) {
     start += 8;
     std::size_t end = doc.find("```", start);
     auto scene = scene::parseScene(doc.substr(start, end - start));
-    ASSERT_EQ(scene->root.NumberOfChildren(), 2);
+    ASSERT_EQ(scene->root.NumberOfChildren(), 3);
     EXPECT_EQ(scene->root.GetChildNode(1)->GetChildNode(0)->GetName(), "hook");
 }
 

@@ -54,7 +54,7 @@ TEST(SceneErrors, UnknownAndRepeatedFields) {
     expectFault(R"({"nodes": [{"name": "a", "hiden": true}]})", "nodes[0].hiden", "unknown field");
     expectFault(R"({"nodes": [{"name": "a", "name": "b"}]})", "nodes[0].name", "repeated field");
     expectFault(R"({"materials": [], "materials": []})", "materials", "repeated field");
-    expectFault(R"({"nodes": [{"object": {"mesh": {}}}]})", "nodes[0].object.mesh", "unknown field");
+    expectFault(R"({"nodes": [{"object": {"spline": {}}}]})", "nodes[0].object.spline", "unknown field");
 }
 
 TEST(SceneErrors, MissingRequiredStructure) {

@@ -1,0 +1,261 @@
+#include "exporter/MeshExport.h"
+
+#include <cmath>
+
+#include "core/ExtException.h"
+#include "core/Log.h"
+#include "exporter/MeshCreator.h"
+#include "exporter/ReportError.h"
+#include "exporter/Tangents.h"
+#include "exporter/VertexRecord.h"
+#include "host/Constants.h"
+#include "model/ObjectRegistry.h"
+#include "model/RenderNode.h"
+#include "model/TransformNode.h"
+
+namespace exporter {
+namespace {
+
+constexpr const char* kSourcePath = "Exporter\\src\\MeshCreator";
+constexpr std::uint32_t kNoChannel = 0xFFFFFFFFu;
+// The coordinate entries of the normal map and of the damage normal map in a material.
+constexpr std::size_t kNormalMapCoords = 1;
+constexpr std::size_t kDamageNormalMapCoords = 10;
+// The texture slot of each coordinate entry: the same number, except for the last entry.
+constexpr std::size_t textureSlotOfCoords(std::size_t c) {
+    return c < 12 ? c : 13;
+}
+
+float dot(const host::Point3& a, const host::Point3& b) {
+    return a.x * b.x + a.y * b.y + a.z * b.z;
+}
+
+host::Point3 cross(const host::Point3& a, const host::Point3& b) {
+    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+}
+
+// The transform of the texture that owns coordinate channel `position` of the material: the
+// first texture whose coordinate entry names it. Null when that texture is plain (its matrix is
+// the identity within 1e-6) or when no texture names the channel.
+const nq::Matrixf* textureTransform(const model::PropertiesSet& material, std::size_t position) {
+    for (std::size_t c = 0; c < material.textureChannels.size(); ++c) {
+        if (material.textureChannels[c] == position) {
+            const model::Texture& texture = material.textures[textureSlotOfCoords(c)];
+            return !texture.empty() && !texture.matrix.isIdentity(1e-6) ? &texture.matrix : nullptr;
+        }
+    }
+    return nullptr;
+}
+
+// The texture-coordinate semantic of a material's coordinate entry, or -1 when it has none.
+int texCoordSemantic(const model::PropertiesSet& material, std::size_t entry) {
+    const std::uint32_t position = material.textureChannels[entry];
+    return position == kNoChannel || position >= static_cast<std::uint32_t>(kTexCoordArrays)
+               ? -1
+               : kFirstTexCoord + static_cast<int>(position);
+}
+
+// The (u, 1 - v) of one face corner in map channel c; (0, 0) when the channel is missing or empty.
+std::array<float, 2> cornerTexCoord(host::Mesh& mesh, std::uint32_t c, int face, int corner,
+                                    const nq::Matrixf* transform) {
+    if (c >= static_cast<std::uint32_t>(mesh.getNumMaps())) {
+        return {0, 0};
+    }
+    host::MeshMap& map = mesh.Map(static_cast<int>(c));
+    if (map.getNumVerts() == 0 || face >= map.getNumFaces()) {
+        return {0, 0};
+    }
+    const host::DWORD t = map.tf[static_cast<std::size_t>(face)].t[corner];
+    if (t >= static_cast<host::DWORD>(map.getNumVerts())) {
+        return {0, 0};
+    }
+    float u = map.tv[t].x, v = map.tv[t].y;
+    if (transform) {
+        const nq::Matrixf& m = *transform;
+        const float tu = u * m(0, 0) + v * m(1, 0) + m(3, 0);
+        const float tv = u * m(0, 1) + v * m(1, 1) + m(3, 1);
+        u = tu;
+        v = tv;
+    }
+    return {u, 1.0f - v};
+}
+
+// Whether the node's object carries a skin. Skinned meshes export as plain meshes until bones
+// are exported.
+bool hasSkin(host::INode* node) {
+    host::Object* object = node->GetObjectRef();
+    return object && object->GetInterface(host::I_SKIN) != nullptr;
+}
+
+}  // namespace
+
+TriObjectHolder::TriObjectHolder(host::Object* object, host::TimeValue t) : object_(object) {
+    const host::Class_ID triangles(host::TRIOBJ_CLASS_ID, 0);
+    if (!object_ || !object_->CanConvertToType(triangles)) {
+        return;
+    }
+    host::Object* converted = object_->ConvertToType(t, triangles);
+    if (converted && converted != object_) {
+        converted_ = converted;
+    }
+    tri_ = dynamic_cast<host::TriObject*>(converted);
+}
+
+TriObjectHolder::~TriObjectHolder() {
+    if (converted_) {
+        converted_->DeleteThis();
+    }
+}
+
+bool isMirrored(const host::Matrix3& objectTM) {
+    return dot(cross(objectTM.GetRow(0), objectTM.GetRow(1)), objectTM.GetRow(2)) < 0.0f;
+}
+
+host::Point3 cornerNormal(host::Mesh& mesh, int face, int corner) {
+    const host::Face& f = mesh.faces[static_cast<std::size_t>(face)];
+    const host::RVertex& rv = *mesh.getRVertPtr(static_cast<int>(f.v[corner]));
+    const host::DWORD count = rv.rFlags & host::NORCT_MASK;
+    if (rv.rFlags & host::SPECIFIED_NORMAL) {
+        return rv.rn.getNormal();
+    }
+    if (count == 1 && (rv.rn.getSmGroup() & f.smGroup)) {
+        return rv.rn.getNormal();
+    }
+    if (count >= 2) {
+        for (const host::RNormal& n : rv.ern) {
+            if (n.getSmGroup() & f.smGroup) {
+                return n.getNormal();
+            }
+        }
+    }
+    const host::Point3& n = mesh.getFaceNormal(face);
+    return std::sqrt(dot(n, n)) < 0.0001f ? host::Point3(0, 1, 0) : n;
+}
+
+model::Ptr<model::BaseMeshRenderNode> exportRenderNode(const MeshContext& context, host::INode* node,
+                                                       host::Mesh& mesh,
+                                                       const model::Ptr<model::Node>& parent, host::Mtl* mtl,
+                                                       int count, int index, const NodeSettings& settings) {
+    const std::string name = node->GetName();
+    mesh.buildRenderNormals();
+    if (hasSkin(node)) {
+        nq::nq_log(kLogSource, kLogLevel,
+                   "The skin of node " + name + " is ignored: the node is exported as a plain mesh.");
+    }
+    model::Ptr<model::RenderNode> renderNode = model::createAs<model::RenderNode>("model::RenderNode");
+    const host::Matrix3 objectTM = node->GetObjectTM(context.time);
+    const bool mirrored = isMirrored(objectTM);
+    PropertiesSetPtr material = context.materials->getMaterial(mtl, 0, "model::RenderNode", node);
+    if (!material) {
+        return {};
+    }
+    const model::VertexFormat& format = material->vertexFormat;
+    const bool hasNormals = format[model::NORMAL0] > 0;
+
+    std::vector<std::uint32_t> channels;
+    context.materials->getTextureChannels(material.get(), channels);
+    std::vector<const nq::Matrixf*> transforms;
+    for (std::size_t i = 0; i < channels.size(); ++i) {
+        transforms.push_back(textureTransform(*material, i));
+    }
+
+    // One record for each corner of each face taken, the corners of a mirrored node in reverse so
+    // that its faces keep their outward side.
+    const int corners[2][3] = {{0, 1, 2}, {2, 1, 0}};
+    std::vector<VertexRecord> records;
+    std::vector<std::uint32_t> indices;
+    for (int f = 0; f < mesh.getNumFaces(); ++f) {
+        const host::Face& face = mesh.faces[static_cast<std::size_t>(f)];
+        if (face.getMatID() % count != index) {
+            continue;
+        }
+        for (int k : corners[mirrored ? 1 : 0]) {
+            VertexRecord record;
+            const host::Point3& p = mesh.getVert(static_cast<int>(face.v[k]));
+            record.position = {p.x, p.y, p.z};
+            if (hasNormals) {
+                record.smoothingGroup = face.smGroup;
+                const host::Point3 n = cornerNormal(mesh, f, k);
+                record.normal = {n.x, n.y, n.z};
+            }
+            for (std::size_t i = 0; i < channels.size(); ++i) {
+                record.texCoords.push_back(cornerTexCoord(mesh, channels[i], f, k, transforms[i]));
+            }
+            indices.push_back(static_cast<std::uint32_t>(records.size()));
+            records.push_back(std::move(record));
+        }
+    }
+    if (records.empty()) {
+        return {};
+    }
+
+    weldRecords(records, indices);
+    MeshCreator creator(format, records.size());
+    for (std::size_t v = 0; v < records.size(); ++v) {
+        creator.addVertex(v, records[v]);
+    }
+    if (format[model::TANGENT0] > 0 || format[model::BINORMAL0] > 0) {
+        computeTangents(creator, indices, texCoordSemantic(*material, kNormalMapCoords), kTangents,
+                        kBinormals);
+    }
+    if (format[model::TANGENT1] > 0 || format[model::BINORMAL1] > 0) {
+        computeTangents(creator, indices, texCoordSemantic(*material, kDamageNormalMapCoords),
+                        kDamageTangents, kDamageBinormals);
+    }
+    renderNode->vertices = model::Vertices(creator.build(), records.size(), format);
+    renderNode->indices = model::Indices(model::kTriangleList, std::move(indices));
+
+    for (const auto& property : settings.properties) {
+        if (property && property->name == "__VERSION__") {
+            throw nq::ExtException("__VERSION__ property is official property, don't use it.");
+        }
+    }
+    renderNode->name = name;
+    renderNode->properties = settings.properties;
+    renderNode->material = material;
+    // The vertices are in the object's space; the object offset places them relative to the node.
+    model::Ptr<model::TransformNode> offset = model::createAs<model::TransformNode>("model::TransformNode");
+    offset->matrix = host::toMatrixd(objectTM * host::Inverse(node->GetNodeTM(context.time)));
+    parent->append(offset);
+    renderNode->links.push_back(model::RenderLink{offset});
+    context.root->addRenderNode(renderNode);
+
+    if (hasNormals && settings.smoothNormals && context.collectSmoothing) {
+        std::vector<std::uint32_t> groups;
+        groups.reserve(records.size());
+        for (const VertexRecord& record : records) {
+            groups.push_back(record.smoothingGroup);
+        }
+        context.collectSmoothing(renderNode, std::move(groups));
+    }
+    return renderNode;
+}
+
+void exportRenderNodes(const MeshContext& context, host::INode* node, host::Mesh& mesh,
+                       const model::Ptr<model::Node>& parent, const NodeSettings& settings) {
+    host::Mtl* mtl = node->GetMtl();
+    if (!mtl) {
+        return;
+    }
+    if (mtl->ClassID() == host::Class_ID(host::MULTI_CLASS_ID, 0)) {
+        const int count = mtl->NumSubMtls();
+        for (int i = 0; i < count; ++i) {
+            if (host::Mtl* sub = mtl->GetSubMtl(i)) {
+                exportRenderNode(context, node, mesh, parent, sub, count, i, settings);
+            }
+        }
+        return;
+    }
+    exportRenderNode(context, node, mesh, parent, mtl, 1, 0, settings);
+}
+
+bool checkBoneName(const std::string& name) {
+    if (name.size() < static_cast<std::size_t>(kMaxBoneName)) {
+        return true;
+    }
+    reportError("Node '%s' has tool long name for bone (%d vs. %d)! \tFile: %s:%d.", name.c_str(),
+                static_cast<int>(name.size()), kMaxBoneName, kSourcePath, __LINE__);
+    return false;
+}
+
+}  // namespace exporter

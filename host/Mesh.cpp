@@ -1,0 +1,128 @@
+#include "host/Mesh.h"
+
+#include <cmath>
+
+namespace host {
+namespace {
+
+Point3 cross(const Point3& a, const Point3& b) {
+    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+}
+
+float dot(const Point3& a, const Point3& b) {
+    return a.x * b.x + a.y * b.y + a.z * b.z;
+}
+
+float length(const Point3& a) {
+    return std::sqrt(dot(a, a));
+}
+
+// The unit vector, or zero for a vector of no length.
+Point3 normalized(const Point3& a) {
+    float len = length(a);
+    return len > 0.0f ? a * (1.0f / len) : Point3();
+}
+
+// The angle of a face at one corner: its share of the normal of the vertex there.
+float cornerAngle(const Point3& at, const Point3& next, const Point3& prev) {
+    Point3 a = normalized(next - at);
+    Point3 b = normalized(prev - at);
+    float c = dot(a, b);
+    return std::acos(c < -1.0f ? -1.0f : c > 1.0f ? 1.0f : c);
+}
+
+// Adds a face's weighted normal to the normals of one vertex. The face joins the first normal whose
+// smoothing groups share a bit with its own; any further normal that shares a bit is folded into
+// that one too, so that groups joined through this face end in one normal whatever the order of
+// the faces.
+void addNormal(std::vector<RNormal>& normals, const Point3& weighted, DWORD smGroup) {
+    RNormal* target = nullptr;
+    for (std::size_t i = 0; i < normals.size();) {
+        if (!(normals[i].smGroup & smGroup)) {
+            ++i;
+        } else if (!target) {
+            target = &normals[i];
+            ++i;
+        } else {
+            target->normal = target->normal + normals[i].normal;
+            target->smGroup |= normals[i].smGroup;
+            normals.erase(normals.begin() + static_cast<std::ptrdiff_t>(i));
+        }
+    }
+    if (target) {
+        target->normal = target->normal + weighted;
+        target->smGroup |= smGroup;
+    } else {
+        normals.push_back({weighted, smGroup});
+    }
+}
+
+}  // namespace
+
+void Mesh::setSpecifiedNormal(int vertex, const Point3& normal) {
+    if (specified_.size() < verts.size()) {
+        specified_.resize(verts.size());
+    }
+    specified_[static_cast<std::size_t>(vertex)] = normal;
+}
+
+Point3 Mesh::FaceNormal(int face, bool normalize) const {
+    const Face& f = faces[static_cast<std::size_t>(face)];
+    const Point3& v0 = getVert(static_cast<int>(f.v[0]));
+    const Point3& v1 = getVert(static_cast<int>(f.v[1]));
+    const Point3& v2 = getVert(static_cast<int>(f.v[2]));
+    Point3 n = cross(v1 - v0, v2 - v1);
+    return normalize ? normalized(n) : n;
+}
+
+Point3 Mesh::FaceCenter(int face) const {
+    const Face& f = faces[static_cast<std::size_t>(face)];
+    return (getVert(static_cast<int>(f.v[0])) + getVert(static_cast<int>(f.v[1])) +
+            getVert(static_cast<int>(f.v[2]))) *
+           (1.0f / 3.0f);
+}
+
+// Each face adds its unit normal, weighted by its angle at the corner, to the vertex normal of
+// its smoothing groups. Faces without a smoothing group add nothing: their corners take the face
+// normal. A vertex with a specified normal keeps that one alone.
+void Mesh::buildRenderNormals() {
+    const std::size_t vertexCount = verts.size();
+    faceNormals_.assign(faces.size(), Point3());
+    std::vector<std::vector<RNormal>> normals(vertexCount);
+    specified_.resize(vertexCount);
+    for (std::size_t f = 0; f < faces.size(); ++f) {
+        const Face& face = faces[f];
+        faceNormals_[f] = FaceNormal(static_cast<int>(f), true);
+        if (face.smGroup == 0) {
+            continue;
+        }
+        for (int k = 0; k < 3; ++k) {
+            DWORD v = face.v[k];
+            if (specified_[v]) {
+                continue;
+            }
+            float angle = cornerAngle(verts[v], verts[face.v[(k + 1) % 3]], verts[face.v[(k + 2) % 3]]);
+            addNormal(normals[v], faceNormals_[f] * angle, face.smGroup);
+        }
+    }
+    rVerts_.assign(vertexCount, RVertex());
+    for (std::size_t v = 0; v < vertexCount; ++v) {
+        RVertex& rv = rVerts_[v];
+        if (specified_[v]) {
+            rv.rFlags = SPECIFIED_NORMAL | 1;
+            rv.rn.normal = *specified_[v];
+            continue;
+        }
+        for (RNormal& n : normals[v]) {
+            n.normal = normalized(n.normal);
+        }
+        rv.rFlags = static_cast<DWORD>(normals[v].size()) & NORCT_MASK;
+        if (normals[v].size() == 1) {
+            rv.rn = normals[v][0];
+        } else {
+            rv.ern = std::move(normals[v]);
+        }
+    }
+}
+
+}  // namespace host

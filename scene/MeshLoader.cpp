@@ -1,0 +1,253 @@
+// The triangle mesh of a geometry object in a scene document: vertices, faces, map channels and
+// specified normals, or the "box" shorthand that stands for a whole box.
+
+#include <array>
+#include <memory>
+
+#include <fmt/format.h>
+
+#include "host/Mesh.h"
+#include "scene/MeshLoader.h"
+
+namespace scene {
+namespace {
+
+using element = DocumentReader::element;
+using Step = DocumentReader::Step;
+
+// The map channels a mesh may have: 0 (vertex colours) to 99.
+constexpr std::int64_t kMaxMapChannel = 99;
+
+// The six sides of a box, each a quad of corners (a, b, c, d) made of the faces (a, b, c) and
+// (c, d, a), wound counter-clockwise seen from outside: bottom, top, front, right, back, left.
+constexpr std::array<std::array<host::DWORD, 4>, 6> kBoxSides{{
+    {0, 2, 3, 1},
+    {4, 5, 7, 6},
+    {0, 1, 5, 4},
+    {1, 3, 7, 5},
+    {3, 2, 6, 7},
+    {2, 0, 4, 6},
+}};
+
+// A box standing on the object's origin: x and y centred, z from 0 to the height. Each side has a
+// smoothing group of its own (bit k for side k), the material id of its side, and map channel 1
+// spans the side from (0, 0) to (1, 1).
+void buildBox(host::Mesh& mesh, const host::Point3& size, const std::array<host::MtlID, 6>& materialIds) {
+    const float x = size.x / 2, y = size.y / 2, z = size.z;
+    mesh.verts = {{-x, -y, 0}, {x, -y, 0}, {-x, y, 0}, {x, y, 0},
+                  {-x, -y, z}, {x, -y, z}, {-x, y, z}, {x, y, z}};
+    mesh.maps.resize(2);
+    host::MeshMap& uv = mesh.maps[1];
+    uv.tv = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {1, 1, 0}};
+    // The map corners of (a, b, c, d).
+    constexpr std::array<host::DWORD, 4> quadUv{0, 1, 3, 2};
+    for (std::size_t side = 0; side < kBoxSides.size(); ++side) {
+        const auto& q = kBoxSides[side];
+        for (const std::array<int, 3>& corners : {std::array<int, 3>{0, 1, 2}, std::array<int, 3>{2, 3, 0}}) {
+            host::Face face;
+            host::TVFace mapFace;
+            for (int k = 0; k < 3; ++k) {
+                face.v[k] = q[static_cast<std::size_t>(corners[k])];
+                mapFace.t[k] = quadUv[static_cast<std::size_t>(corners[k])];
+            }
+            face.smGroup = 1u << side;
+            face.setMatID(materialIds[side]);
+            mesh.faces.push_back(face);
+            uv.tf.push_back(mapFace);
+        }
+    }
+}
+
+}  // namespace
+
+host::Object* readMeshObject(DocumentReader& reader, Scene& scene, const std::optional<element>& value) {
+    auto object = std::make_unique<host::TriObject>();
+    host::Mesh& mesh = object->mesh;
+    if (!value) {
+        return &scene.addObject(std::move(object));
+    }
+    Step meshStep(reader, {"mesh"});
+    bool hasBox = false;
+    bool hasData = false;
+    std::optional<element> faces, maps, normals;
+    reader.readFields(*value, [&](std::string_view key, element field) {
+        if (key == "box") {
+            hasBox = true;
+            host::Point3 size(10, 10, 10);
+            std::array<host::MtlID, 6> ids{0, 1, 2, 3, 4, 5};
+            reader.readFields(field, [&](std::string_view boxKey, element boxField) {
+                if (boxKey == "size") {
+                    size = reader.readPoint(boxField);
+                } else if (boxKey == "materialIds") {
+                    simdjson::dom::array array;
+                    if (boxField.get_array().get(array) || array.size() != 6) {
+                        reader.fail("expected 6 material ids, one for each side");
+                    }
+                    reader.readArray(boxField, [&](std::size_t i, element id) {
+                        ids[i] = static_cast<host::MtlID>(reader.readInteger(id, 0, 0xFFFF));
+                    });
+                } else {
+                    return false;
+                }
+                return true;
+            });
+            buildBox(mesh, size, ids);
+        } else if (key == "vertices") {
+            hasData = true;
+            reader.readArray(
+                field, [&](std::size_t, element point) { mesh.verts.push_back(reader.readPoint(point)); });
+        } else if (key == "faces") {
+            hasData = true;
+            faces = field;
+        } else if (key == "maps") {
+            hasData = true;
+            maps = field;
+        } else if (key == "normals") {
+            hasData = true;
+            normals = field;
+        } else {
+            return false;
+        }
+        return true;
+    });
+    if (hasBox && hasData) {
+        reader.fail("a mesh is either a box or vertices and faces, not both");
+    }
+    // Faces, maps and normals refer to the vertices, so they are read once those are known.
+    const auto vertexCount = static_cast<std::int64_t>(mesh.verts.size());
+    if (faces) {
+        Step step(reader, {"faces"});
+        reader.readArray(*faces, [&](std::size_t, element item) {
+            host::Face face;
+            auto readCorners = [&](element corners) {
+                simdjson::dom::array array;
+                if (corners.get_array().get(array) || array.size() != 3) {
+                    reader.fail("expected the 3 vertex indices of a triangle");
+                }
+                if (vertexCount == 0) {
+                    reader.fail("the mesh has no vertices");
+                }
+                reader.readArray(corners, [&](std::size_t k, element index) {
+                    face.v[k] = static_cast<host::DWORD>(reader.readInteger(index, 0, vertexCount - 1));
+                });
+            };
+            if (item.is_array()) {
+                readCorners(item);
+            } else {
+                bool hasCorners = false;
+                reader.readFields(item, [&](std::string_view key, element field) {
+                    if (key == "verts") {
+                        hasCorners = true;
+                        readCorners(field);
+                    } else if (key == "smoothing") {
+                        face.smGroup = static_cast<host::DWORD>(reader.readInteger(field, 0, 0xFFFFFFFF));
+                    } else if (key == "materialId") {
+                        face.setMatID(static_cast<host::MtlID>(reader.readInteger(field, 0, 0xFFFF)));
+                    } else {
+                        return false;
+                    }
+                    return true;
+                });
+                if (!hasCorners) {
+                    Step verts(reader, {"verts"});
+                    reader.fail("required: the 3 vertex indices of the face");
+                }
+            }
+            mesh.faces.push_back(face);
+        });
+    }
+    if (maps) {
+        Step step(reader, {"maps"});
+        reader.readArray(*maps, [&](std::size_t, element item) {
+            std::optional<std::int64_t> channel;
+            host::MeshMap map;
+            std::optional<element> mapFaces;
+            reader.readFields(item, [&](std::string_view key, element field) {
+                if (key == "channel") {
+                    channel = reader.readInteger(field, 0, kMaxMapChannel);
+                } else if (key == "vertices") {
+                    reader.readArray(field, [&](std::size_t, element point) {
+                        simdjson::dom::array array;
+                        if (point.get_array().get(array) || (array.size() != 2 && array.size() != 3)) {
+                            reader.fail("expected 2 or 3 numbers");
+                        }
+                        host::Point3 p;
+                        reader.readArray(point, [&](std::size_t i, element c) {
+                            p[static_cast<int>(i)] = reader.readFloat(c);
+                        });
+                        map.tv.push_back(p);
+                    });
+                } else if (key == "faces") {
+                    mapFaces = field;
+                } else {
+                    return false;
+                }
+                return true;
+            });
+            if (!channel) {
+                Step channelStep(reader, {"channel"});
+                reader.fail("required: the number of the map channel");
+            }
+            if (mapFaces) {
+                Step facesStep(reader, {"faces"});
+                const auto mapVertexCount = static_cast<std::int64_t>(map.tv.size());
+                reader.readArray(*mapFaces, [&](std::size_t, element corners) {
+                    simdjson::dom::array array;
+                    if (corners.get_array().get(array) || array.size() != 3) {
+                        reader.fail("expected the 3 map vertex indices of a triangle");
+                    }
+                    if (mapVertexCount == 0) {
+                        reader.fail("the map has no vertices");
+                    }
+                    host::TVFace face;
+                    reader.readArray(corners, [&](std::size_t k, element index) {
+                        face.t[k] =
+                            static_cast<host::DWORD>(reader.readInteger(index, 0, mapVertexCount - 1));
+                    });
+                    map.tf.push_back(face);
+                });
+                if (!map.tf.empty() && map.tf.size() != mesh.faces.size()) {
+                    reader.fail(
+                        fmt::format("a map has one face for each face of the mesh: expected {}, found {}",
+                                    mesh.faces.size(), map.tf.size()));
+                }
+            }
+            auto c = static_cast<std::size_t>(*channel);
+            if (c < mesh.maps.size() && (mesh.maps[c].getNumVerts() > 0 || mesh.maps[c].getNumFaces() > 0)) {
+                Step channelStep(reader, {"channel"});
+                reader.fail(fmt::format("map channel {} is given twice", c));
+            }
+            if (c >= mesh.maps.size()) {
+                mesh.maps.resize(c + 1);
+            }
+            mesh.maps[c] = std::move(map);
+        });
+    }
+    if (normals) {
+        Step step(reader, {"normals"});
+        reader.readArray(*normals, [&](std::size_t, element item) {
+            std::optional<std::int64_t> vertex;
+            std::optional<host::Point3> normal;
+            reader.readFields(item, [&](std::string_view key, element field) {
+                if (key == "vertex") {
+                    if (vertexCount == 0) {
+                        reader.fail("the mesh has no vertices");
+                    }
+                    vertex = reader.readInteger(field, 0, vertexCount - 1);
+                } else if (key == "normal") {
+                    normal = reader.readPoint(field);
+                } else {
+                    return false;
+                }
+                return true;
+            });
+            if (!vertex || !normal) {
+                reader.fail("required: both \"vertex\" and \"normal\"");
+            }
+            mesh.setSpecifiedNormal(static_cast<int>(*vertex), *normal);
+        });
+    }
+    return &scene.addObject(std::move(object));
+}
+
+}  // namespace scene
