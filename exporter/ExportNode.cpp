@@ -5,6 +5,7 @@
 #include "core/ExtException.h"
 #include "core/Log.h"
 #include "core/Utf8.h"
+#include "exporter/ExportGeometry.h"
 #include "exporter/NQModelExporter.h"
 #include "exporter/NodeSettings.h"
 #include "exporter/ReportError.h"
@@ -172,12 +173,13 @@ bool exportNode(NQModelExporter& exporter, model::Ptr<model::Node> parent, host:
                 exportHelper(exporter, parent, node, object, name, settings, box);
                 break;
             case host::GEOMOBJECT_CLASS_ID:
+                exportGeometry(exporter, parent, node, object, name, settings);
+                break;
             case host::LIGHT_CLASS_ID:
             case host::SHAPE_CLASS_ID:
-                // Meshes, lights and shapes join with their own export; until then they give
-                // nothing and only the node's transforms stand.
-                nq::nq_log(kLogSource, kLogLevel,
-                           "Object not exported yet (geometry, light or shape). Node: " + name);
+                // Lights and shapes join with their own export; until then they give nothing and
+                // only the node's transforms stand.
+                nq::nq_log(kLogSource, kLogLevel, "Object not exported yet (light or shape). Node: " + name);
                 break;
             default:
                 break;

@@ -17,6 +17,8 @@ namespace exporter {
 namespace {
 
 constexpr const char* kSourcePath = "Exporter\\src\\MeshCreator";
+// Faults of a render node are reported where the node is exported.
+constexpr const char* kExportSourcePath = "Exporter\\src\\Export";
 constexpr std::uint32_t kNoChannel = 0xFFFFFFFFu;
 // The coordinate entries of the normal map and of the damage normal map in a material.
 constexpr std::size_t kNormalMapCoords = 1;
@@ -234,19 +236,28 @@ model::Ptr<model::BaseMeshRenderNode> exportRenderNode(const MeshContext& contex
 void exportRenderNodes(const MeshContext& context, host::INode* node, host::Mesh& mesh,
                        const model::Ptr<model::Node>& parent, const NodeSettings& settings) {
     host::Mtl* mtl = node->GetMtl();
-    if (!mtl) {
+    if (!mtl || !context.materials) {
         return;
     }
+    // A fault in one render node drops that node alone; the others of the mesh and the walk go on.
+    auto exportOne = [&](host::Mtl* material, int count, int index) {
+        try {
+            exportRenderNode(context, node, mesh, parent, material, count, index, settings);
+        } catch (const nq::ExtException& e) {
+            reportError("%s Node: %s.\tFile: %s:%d.", e.message().c_str(), node->GetName().c_str(),
+                        kExportSourcePath, __LINE__);
+        }
+    };
     if (mtl->ClassID() == host::Class_ID(host::MULTI_CLASS_ID, 0)) {
         const int count = mtl->NumSubMtls();
         for (int i = 0; i < count; ++i) {
             if (host::Mtl* sub = mtl->GetSubMtl(i)) {
-                exportRenderNode(context, node, mesh, parent, sub, count, i, settings);
+                exportOne(sub, count, i);
             }
         }
         return;
     }
-    exportRenderNode(context, node, mesh, parent, mtl, 1, 0, settings);
+    exportOne(mtl, 1, 0);
 }
 
 bool checkBoneName(const std::string& name) {

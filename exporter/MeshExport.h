@@ -71,7 +71,8 @@ model::Ptr<model::BaseMeshRenderNode> exportRenderNode(const MeshContext& contex
                                                        int count, int index, const NodeSettings& settings);
 
 // The render nodes of a geometry node: none without a material, one for each sub-material that
-// is not null of a multi-material, one of all faces for any other material.
+// is not null of a multi-material, one of all faces for any other material. A render node that
+// fails is reported ("<fault> Node: <name>.") and left out; the others stand.
 void exportRenderNodes(const MeshContext& context, host::INode* node, host::Mesh& mesh,
                        const model::Ptr<model::Node>& parent, const NodeSettings& settings);
 

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "core/Math.h"
+#include "exporter/MeshExport.h"
 #include "exporter/MtlKeeper.h"
 #include "host/INode.h"
 #include "host/Interface.h"
@@ -51,6 +52,9 @@ public:
     std::set<host::INode*> consumedNodes;
     // The model materials of this export, shared among the nodes that use like materials.
     MtlKeeper mtlKeeper;
+    // Receives the smoothing groups of the render nodes whose normals are smoothed across nodes;
+    // empty until the normal smoother is installed.
+    SmoothingCollector smoothingCollector;
     // World position of the helper named "ORIGIN", scene units.
     nq::Vec3d origin{};
     host::TimeValue time = 0;

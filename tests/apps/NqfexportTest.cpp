@@ -294,4 +294,45 @@ TEST_F(Nqfexport, ViewerThatCannotStartIsShownButTheExportStands) {
     EXPECT_TRUE(fs::exists(out));
 }
 
+TEST_F(Nqfexport, MeshesBecomeOneRenderNodePerUsedSubMaterial) {
+    const fs::path out = dir / "hull.nqf";
+    const Outcome r = run(scene("meshes.json") + " -o " + out.string());
+    ASSERT_EQ(r.status, 0) << r.err;
+    const model::io::NqfDocument doc = read(out);
+    std::vector<const model::io::NqfNode*> renderNodes;
+    for (const auto& group : doc.groups) {
+        if (group.name == "RENDER_NODES") {
+            for (const auto& node : group.nodes) {
+                renderNodes.push_back(&node);
+            }
+        }
+    }
+    // The box's sides carry material ids 0 to 5 over three slots: slot 0 takes the bottom and the
+    // right side, the empty slot 1 nothing, slot 2 the front and the left. The mesh without a
+    // material gives no render node.
+    ASSERT_EQ(renderNodes.size(), 2u);
+    for (const model::io::NqfNode* node : renderNodes) {
+        EXPECT_EQ(node->head.name, "hull");
+        const auto& body = std::get<model::io::NqfRenderBody>(node->body);
+        EXPECT_EQ(body.vertices.count, 8u);
+        EXPECT_EQ(body.indices.values.size(), 12u);
+    }
+    EXPECT_NE(r.err.find("nRenderNodes: 2"), std::string::npos) << r.err;
+}
+
+TEST_F(Nqfexport, MeshFaultsAreReportedAndKeepTheFileAway) {
+    const fs::path out = dir / "faults.nqf";
+    const Outcome r = run(scene("mesh_faults.json") + " -o " + out.string());
+    EXPECT_EQ(r.status, 1) << r.err;
+    EXPECT_FALSE(fs::exists(out));
+    for (const char* text :
+         {"Unknown flag in node lamp. Expected 'renderable' or/and 'collision_shell'.\tFile: "
+          "Exporter\\src\\Export:",
+          "You should use type 'ik_bone' only in bones. Node 'arm'.\tFile: Exporter\\src\\Export:",
+          "__VERSION__ property is official property, don't use it. Node: plate.\tFile: "
+          "Exporter\\src\\Export:"}) {
+        EXPECT_NE(r.err.find(text), std::string::npos) << text << "\n" << r.err;
+    }
+}
+
 }  // namespace
