@@ -1,0 +1,216 @@
+#include <gtest/gtest.h>
+
+#include "core/ExtException.h"
+#include "model/TmpNumberRoot.h"
+#include "model/utils/NumberNodeConverter.h"
+#include "utils/MergeTestSupport.h"
+
+namespace {
+
+using namespace model;
+using namespace model::utils;
+using namespace mergetest;
+
+class NumberNodeConverterTest : public ::testing::Test {
+protected:
+    Scene s = makeScene();
+    Ptr<Node> top = s.root->rootNode();
+    Ptr<TmpNumberRoot> numberRoot = makeTreeNode<TmpNumberRoot>(top, "odometer");
+    MaterialRef material = makeMaterial("digits");
+
+    Ptr<RenderNode> digit(const MaterialPtr& m, float offset, std::uint32_t argument = 7) {
+        Ptr<RenderNode> node = makeTriangle(numberRoot, m, offset, fmt::format("d{}", offset));
+        node->links[0].argument = argument;
+        s.root->addRenderNode(node);
+        return node;
+    }
+
+    std::vector<const NumberNode*> numbers() const {
+        std::vector<const NumberNode*> out;
+        for (const auto& node : s.root->renderNodes()) {
+            if (node->nodeType() == NodeType::NumberNode) {
+                out.push_back(static_cast<const NumberNode*>(node.get()));
+            }
+        }
+        return out;
+    }
+
+    void expectThrows(std::string_view text) {
+        std::size_t before = s.root->renderNodes().size();
+        try {
+            numberNodeConverter(s.root.get());
+            FAIL() << "no exception, expected " << text;
+        } catch (const nq::ExtException& e) {
+            EXPECT_EQ(e.message(), text);
+        }
+        EXPECT_EQ(s.root->renderNodes().size(), before);
+    }
+};
+
+TEST_F(NumberNodeConverterTest, ModelWithoutDigitsIsLeftAlone) {
+    // A number root with nothing under it, and a render node elsewhere.
+    Ptr<RenderNode> plain = makeTriangle(top, material);
+    s.root->addRenderNode(plain);
+    EXPECT_FALSE(numberNodeConverter(s.root.get()));
+    ASSERT_EQ(s.root->renderNodes().size(), 1u);
+    EXPECT_EQ(s.root->renderNodes()[0].get(), plain.get());
+    EXPECT_EQ(plain->root, s.root.get());
+}
+
+TEST_F(NumberNodeConverterTest, DigitsOfOneMaterialBecomeOneNumberNode) {
+    Ptr<RenderNode> before = makeTriangle(top, material, 0, "before");
+    s.root->addRenderNode(before);
+    Ptr<RenderNode> d0 = digit(material, 0, 7);
+    Ptr<RenderNode> after = makeTriangle(top, material, 0, "after");
+    s.root->addRenderNode(after);
+    Ptr<RenderNode> d1 = digit(material, 2, 9);
+
+    EXPECT_TRUE(numberNodeConverter(s.root.get()));
+    const auto& list = s.root->renderNodes();
+    ASSERT_EQ(list.size(), 3u);
+    EXPECT_EQ(list[0].get(), before.get());
+    EXPECT_EQ(list[1].get(), after.get());
+    EXPECT_EQ(d0->root, nullptr);
+
+    ASSERT_EQ(numbers().size(), 1u);
+    const NumberNode& n = *numbers()[0];
+    EXPECT_EQ(n.root, s.root.get());
+    EXPECT_EQ(n.name, "odometer");
+    ASSERT_EQ(n.links.size(), 1u);
+    EXPECT_EQ(n.links[0].node.get(), numberRoot.get());
+    EXPECT_EQ(n.links[0].argument, 7u);
+    // Its own copy of the material, which says that every vertex carries its digit's number.
+    ASSERT_TRUE(n.material);
+    EXPECT_NE(n.material.get(), material.get());
+    const auto& own = static_cast<const PropertiesSet&>(*n.material);
+    EXPECT_EQ(own.vertexFormat[COLOR1], 1);
+    EXPECT_EQ(material->vertexFormat[COLOR1], 0);
+    EXPECT_EQ(own.name, "digits");
+    // The meshes one after the other.
+    EXPECT_EQ(n.vertices.vertexCount(), 6u);
+    EXPECT_EQ(n.indices.indices, (std::vector<std::uint32_t>{0, 1, 2, 3, 4, 5}));
+    EXPECT_EQ(n.vertices.attribute(COLOR1).data, (std::vector<float>{0, 0, 0, 1, 1, 1}));
+    EXPECT_EQ(n.vertices.attribute(POSITION0).data[12], 2.0f);
+    // One entry per digit in the list of the one link, with the digit's own argument.
+    ASSERT_EQ(n.entries.size(), 1u);
+    ASSERT_EQ(n.entries[0].size(), 2u);
+    EXPECT_EQ(n.entries[0][0].words[0], 7u);
+    EXPECT_EQ(n.entries[0][1].words[0], 9u);
+    EXPECT_EQ(n.entries[0][1].words[1], 1u);
+}
+
+TEST_F(NumberNodeConverterTest, DigitsSplitByMaterialAndByNumberRoot) {
+    MaterialRef other = makeMaterial("red");
+    digit(material, 0);
+    digit(other, 1);
+    digit(material, 2);
+    Ptr<TmpNumberRoot> second = makeTreeNode<TmpNumberRoot>(top, "clock");
+    Ptr<RenderNode> far = makeTriangle(second, material, 5);
+    s.root->addRenderNode(far);
+
+    EXPECT_TRUE(numberNodeConverter(s.root.get()));
+    ASSERT_EQ(s.root->renderNodes().size(), 3u);
+    auto n = numbers();
+    ASSERT_EQ(n.size(), 3u);
+    // First-seen order: the first root's groups, then the second root's.
+    EXPECT_EQ(static_cast<const PropertiesSet&>(*n[0]->material).name, "digits");
+    EXPECT_EQ(n[0]->entries[0].size(), 2u);
+    EXPECT_EQ(static_cast<const PropertiesSet&>(*n[1]->material).name, "red");
+    EXPECT_EQ(n[2]->links[0].node.get(), second.get());
+    EXPECT_EQ(n[2]->name, "clock");
+    // Number nodes never share a material, not even two copies of one.
+    EXPECT_NE(n[0]->material.get(), n[2]->material.get());
+}
+
+TEST_F(NumberNodeConverterTest, FailureTexts) {
+    {
+        SCOPED_TRACE("a skin under a number root");
+        Ptr<SkinNode> skin = createNodeAs<SkinNode>("model::SkinNode");
+        skin->bones.push_back(numberRoot);
+        skin->material = material;
+        s.root->addRenderNode(skin);
+        expectThrows(kOnlyRenderDigits);
+        s.root->removeRenderNode(skin.get());
+    }
+    {
+        SCOPED_TRACE("two links");
+        Ptr<RenderNode> d = digit(material, 0);
+        d->links.push_back(RenderLink{numberRoot});
+        expectThrows(kOneControlNode);
+        s.root->removeRenderNode(d.get());
+    }
+    {
+        SCOPED_TRACE("a digit whose primitive cannot be appended");
+        Ptr<RenderNode> d = digit(material, 0);
+        d->indices.primitive = kTriangleStrip;
+        expectThrows(kCantMergeDigits);
+        s.root->removeRenderNode(d.get());
+    }
+    {
+        SCOPED_TRACE("digits whose vertex layouts differ");
+        digit(material, 0);
+        Ptr<RenderNode> d = digit(material, 1);
+        d->vertices.setAttribute(TEXCOORD0, 2, std::vector<float>(6, 0.0f));
+        expectThrows(kCantMergeDigits);
+    }
+}
+
+TEST_F(NumberNodeConverterTest, ChildfreeIsCheckedOnlyWhenADigitIsMet) {
+    // A child under the number root: harmless while no digit hangs there.
+    Ptr<Node> child = makeTreeNode<Node>(numberRoot, "child");
+    EXPECT_FALSE(numberNodeConverter(s.root.get()));
+    // A digit on the child finds the root by walking up; the first digit met throws.
+    Ptr<RenderNode> d = makeTriangle(child, material);
+    s.root->addRenderNode(d);
+    expectThrows(kNumberRootChildfree);
+}
+
+TEST_F(NumberNodeConverterTest, DigitEntryPacksTheTextureRectangleAsHalves) {
+    Ptr<RenderNode> d = makeTriangle(top, material);
+    d->links[0].argument = 3;
+    d->vertices.setAttribute(TEXCOORD1, 2, {0.5f, 0.25f, 1.0f, -2.0f, 0.75f, 0.0f});
+    d->vertices.setAttribute(TEXCOORD3, 2, std::vector<float>(6, 9.0f));  // not the lowest channel
+    NumberEntry e = digitEntry(*d, 4);
+    EXPECT_EQ(e.words[0], 3u);
+    EXPECT_EQ(e.words[1], 4u);
+    EXPECT_EQ(e.words[2], 0xC0003800u);  // u 0.5, v -2
+    EXPECT_EQ(e.words[3], 0x34003C00u);  // u 1, v 0.25
+    // Without texture coordinates the rectangle is empty.
+    d->vertices.attributes.erase(TEXCOORD1);
+    d->vertices.attributes.erase(TEXCOORD3);
+    EXPECT_EQ(digitEntry(*d, 0).words[2], 0u);
+    EXPECT_EQ(digitEntry(*d, 0).words[3], 0u);
+}
+
+TEST(HalfBits, RoundsToNearestEvenAndKeepsTheEdges) {
+    EXPECT_EQ(halfBits(0.0f), 0x0000u);
+    EXPECT_EQ(halfBits(-0.0f), 0x8000u);
+    EXPECT_EQ(halfBits(65504.0f), 0x7BFFu);
+    EXPECT_EQ(halfBits(65520.0f), 0x7C00u);  // halfway to the next step rounds up to infinity
+    EXPECT_EQ(halfBits(-1e9f), 0xFC00u);
+    EXPECT_EQ(halfBits(std::numeric_limits<float>::quiet_NaN()) & 0x7FFFu, 0x7E00u);
+    EXPECT_EQ(halfBits(1.0f + 0x1p-11f), 0x3C00u);      // tie, even stays
+    EXPECT_EQ(halfBits(1.0f + 3 * 0x1p-11f), 0x3C02u);  // tie, odd rounds up
+    EXPECT_EQ(halfBits(0x1p-24f), 0x0001u);             // smallest subnormal
+    EXPECT_EQ(halfBits(0x1p-14f - 0x1p-25f), 0x0400u);  // rounds into the normals
+    EXPECT_EQ(halfBits(0x1p-26f), 0x0000u);
+}
+
+TEST(MergeDigits, RefusesANumberNodeWithSeveralLinks) {
+    Scene s = makeScene();
+    MaterialRef m = makeMaterial("m");
+    Ptr<RenderNode> d = makeTriangle(s.root->rootNode(), m);
+    Ptr<NumberNode> number = createNodeAs<NumberNode>("model::NumberNode");
+    number->links = {RenderLink{s.root->rootNode()}, RenderLink{s.root->rootNode()}};
+    std::vector<Ptr<RenderNode>> digits{d};
+    EXPECT_FALSE(mergeDigits(*number, digits));
+    EXPECT_EQ(number->links.size(), 2u);
+    number->links.clear();
+    // A digit without a material cannot give the number its own copy.
+    d->material = {};
+    EXPECT_FALSE(mergeDigits(*number, digits));
+    d->material = m;
+    EXPECT_TRUE(mergeDigits(*number, digits));
+}
+
+}  // namespace
