@@ -1,0 +1,304 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+
+#include "core/ExtException.h"
+#include "model/ArgAnimationNode.h"
+#include "model/utils/NormalSmoother.h"
+#include "utils/MergeTestSupport.h"
+#include "utils/ReferenceSmoothing.h"
+
+namespace {
+
+using namespace model;
+using namespace model::utils;
+using namespace mergetest;
+
+using Point = std::array<float, 3>;
+
+const double kHalfRoot = std::sqrt(0.5);
+
+nq::Matrixd translation(double x, double y, double z) {
+    return nq::translateMatrix(nq::Vec3d{{x, y, z}});
+}
+
+class NormalSmootherTest : public ::testing::Test {
+protected:
+    Scene s = makeScene();
+    Ptr<Node> top = s.root->rootNode();
+    MaterialRef material = makeMaterial("m");
+    NormalSmoother smoother;
+
+    // A render node with the given corners, one normal for all of them, listed in the model.
+    Ptr<RenderNode> mesh(const std::string& name, const std::vector<Point>& points, Point normal,
+                         const Ptr<Node>& parent = {}) {
+        Ptr<RenderNode> node = makeTriangle(parent ? parent : top, material, 0, name);
+        node->vertices = meshVertices(points);
+        auto& n = node->vertices.attribute(NORMAL0).data;
+        for (std::size_t i = 0; i < n.size(); i += 3) {
+            std::copy(normal.begin(), normal.end(), n.begin() + static_cast<std::ptrdiff_t>(i));
+        }
+        s.root->addRenderNode(node);
+        return node;
+    }
+
+    void collect(const Ptr<RenderNode>& node, const nq::Matrixd& world, std::uint32_t group) {
+        std::vector<std::uint32_t> groups(node->vertices.vertexCount(), group);
+        smoother.collect(node, world, groups);
+    }
+
+    void smooth() {
+        smoother.gather();
+        EXPECT_EQ(smoother.clusters(), smoothtest::referenceClusters(smoother.nodes()));
+        smoother.apply();
+    }
+
+    static Point normalOf(const RenderNode& node, std::size_t i) {
+        const auto& n = node.vertices.attribute(NORMAL0).data;
+        return {n[3 * i], n[3 * i + 1], n[3 * i + 2]};
+    }
+};
+
+void expectNear(Point actual, Point expected) {
+    for (int k = 0; k < 3; ++k) {
+        EXPECT_NEAR(actual[k], expected[k], 1e-6) << "component " << k;
+    }
+}
+
+TEST_F(NormalSmootherTest, QuadsSharingAnEdgeGetEqualNormalsOnlyWithACommonGroup) {
+    for (std::uint32_t groupB : {1u, 3u, 2u}) {
+        SCOPED_TRACE(groupB);
+        smoother.reset();
+        // A faces +z in the world; B is built facing +z too, and its world transform turns it to
+        // face +x, so that A's edge at x = 0 is also B's.
+        Ptr<RenderNode> a = mesh("a", {{-1, 0, 0}, {0, 0, 0}, {0, 1, 0}, {-1, 1, 0}}, {0, 0, 1});
+        Ptr<RenderNode> b = mesh("b", {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, {0, 0, 1});
+        nq::Matrixd turn;
+        turn.m = {0, 0, -1, 0, 0, 1, 0, 0, 1, 0, 0, 0, 0, 0, 0, 1};
+        collect(a, nq::Matrixd::identity(), 1);
+        collect(b, turn, groupB);
+        smooth();
+        if (groupB & 1u) {
+            // The shared corners, in world space (s, 0, s); in B's own space (-s, 0, s).
+            expectNear(normalOf(*a, 1), {float(kHalfRoot), 0, float(kHalfRoot)});
+            expectNear(normalOf(*a, 2), {float(kHalfRoot), 0, float(kHalfRoot)});
+            expectNear(normalOf(*b, 0), {float(-kHalfRoot), 0, float(kHalfRoot)});
+            expectNear(normalOf(*b, 3), {float(-kHalfRoot), 0, float(kHalfRoot)});
+        } else {
+            EXPECT_TRUE(smoother.clusters().empty());
+            EXPECT_EQ(normalOf(*a, 1), (Point{0, 0, 1}));
+            EXPECT_EQ(normalOf(*b, 0), (Point{0, 0, 1}));
+        }
+        // Corners away from the edge keep their own.
+        EXPECT_EQ(normalOf(*a, 0), (Point{0, 0, 1}));
+        EXPECT_EQ(normalOf(*b, 1), (Point{0, 0, 1}));
+        s.root->removeRenderNode(a.get());
+        s.root->removeRenderNode(b.get());
+    }
+}
+
+TEST_F(NormalSmootherTest, ToleranceIsInclusiveInDoublePrecision) {
+    // The boxes overlap; only the first corners lie close, 0.001 or 0.0011 apart in x.
+    for (double gap : {0.001, 0.0011, -0.001}) {
+        SCOPED_TRACE(gap);
+        smoother.reset();
+        Ptr<RenderNode> a = mesh("a", {{0, 0, 0}, {1, 0, 0}, {-1, 0, 0}}, {0, 1, 0});
+        Ptr<RenderNode> b = mesh("b", {{0, 0, 0}, {0, 0, 1}}, {1, 0, 0});
+        collect(a, nq::Matrixd::identity(), 1);
+        collect(b, translation(gap, 0, 0), 1);
+        smooth();
+        if (std::fabs(gap) <= 0.001) {
+            ASSERT_EQ(smoother.clusters().size(), 1u);
+            expectNear(normalOf(*a, 0), {float(kHalfRoot), float(kHalfRoot), 0});
+            EXPECT_EQ(normalOf(*a, 0), normalOf(*b, 0));
+        } else {
+            EXPECT_TRUE(smoother.clusters().empty());
+        }
+        s.root->removeRenderNode(a.get());
+        s.root->removeRenderNode(b.get());
+    }
+}
+
+TEST_F(NormalSmootherTest, DisjointBoxesAreNeverCompared) {
+    // The corners lie 0.0005 apart but the boxes (each a single point) do not touch.
+    Ptr<RenderNode> a = mesh("a", {{0, 0, 0}}, {0, 1, 0});
+    Ptr<RenderNode> b = mesh("b", {{0, 0, 0}}, {1, 0, 0});
+    collect(a, nq::Matrixd::identity(), 1);
+    collect(b, translation(0.0005, 0, 0), 1);
+    smooth();
+    EXPECT_TRUE(smoother.clusters().empty());
+}
+
+TEST_F(NormalSmootherTest, VerticesOfOneNodeAreNotMergedWithEachOther) {
+    // Two coincident corners in a, with different normals.
+    Ptr<RenderNode> a = mesh("a", {{0, 0, 0}, {0, 0, 0}, {1, 1, 1}}, {0, 1, 0});
+    a->vertices.attribute(NORMAL0).data[3] = 1;
+    a->vertices.attribute(NORMAL0).data[4] = 0;
+    collect(a, nq::Matrixd::identity(), 1);
+    smooth();
+    EXPECT_TRUE(smoother.clusters().empty());
+    EXPECT_EQ(normalOf(*a, 1), (Point{1, 0, 0}));
+
+    // With a third corner in b at the same place: the first corner of a heads the cluster, the
+    // second finds that cluster by its head and adds b's corner once more, but is not itself a
+    // member, so it keeps its normal.
+    Ptr<RenderNode> b = mesh("b", {{0, 0, 0}, {1, 1, 1}}, {0, 0, 1});
+    collect(b, nq::Matrixd::identity(), 1);
+    smooth();
+    ASSERT_EQ(smoother.clusters().size(), 2u);
+    EXPECT_EQ(smoother.clusters()[0], (SmoothCluster{{0, 0}, {{1, 0}, {1, 0}}}));
+    EXPECT_EQ(normalOf(*a, 1), (Point{1, 0, 0}));
+    double l = std::sqrt(5.0);
+    expectNear(normalOf(*a, 0), {0, float(1 / l), float(2 / l)});
+    expectNear(normalOf(*b, 0), {0, float(1 / l), float(2 / l)});
+}
+
+TEST_F(NormalSmootherTest, CancellingNormalsLeaveZeroAndNameTheirNodes) {
+    Ptr<RenderNode> up = mesh("up", {{0, 0, 0}, {1, 0, 0}}, {0, 0, 1});
+    Ptr<RenderNode> down = mesh("down", {{0, 0, 0}, {-1, 0, 0}}, {0, 0, -1});
+    Ptr<RenderNode> apart = mesh("apart", {{5, 5, 5}, {6, 6, 6}}, {0, 0, -1});
+    collect(up, nq::Matrixd::identity(), 1);
+    collect(down, nq::Matrixd::identity(), 1);
+    collect(apart, nq::Matrixd::identity(), 1);
+    EXPECT_TRUE(smoother.zeroNormalNodes().empty());
+    smooth();
+    EXPECT_EQ(normalOf(*up, 0), (Point{0, 0, 0}));
+    EXPECT_EQ(normalOf(*down, 0), (Point{0, 0, 0}));
+    EXPECT_EQ(normalOf(*up, 1), (Point{0, 0, 1}));
+    EXPECT_EQ(smoother.zeroNormalNodes(), (std::vector<std::string>{"up", "down"}));
+}
+
+TEST_F(NormalSmootherTest, OnlyNodesThatMoveTogetherMerge) {
+    Ptr<ArgAnimationNode> door = makeTreeNode<ArgAnimationNode>(top, "door");
+    Ptr<Node> hinge = makeTreeNode<Node>(door, "hinge");
+    Ptr<RenderNode> frame = mesh("frame", {{0, 0, 0}, {1, 0, 0}}, {0, 1, 0});
+    Ptr<RenderNode> leaf = mesh("leaf", {{0, 0, 0}, {-1, 0, 0}}, {1, 0, 0}, hinge);
+    Ptr<RenderNode> handle = mesh("handle", {{0, 0, 0}, {0, -1, 0}}, {0, 0, 1}, door);
+    EXPECT_EQ(smoothKeyOf(*frame), 0u);
+    EXPECT_EQ(smoothKeyOf(*leaf), smoothKeyOf(*handle));
+    EXPECT_NE(smoothKeyOf(*leaf), 0u);
+    Ptr<SkinNode> skin = createNodeAs<SkinNode>("model::SkinNode");
+    EXPECT_EQ(smoothKeyOf(*skin), 1u);
+
+    for (const auto& n : {frame, leaf, handle}) {
+        collect(n, nq::Matrixd::identity(), 1);
+    }
+    smooth();
+    // Only the two parts of the door meet.
+    ASSERT_EQ(smoother.clusters().size(), 1u);
+    EXPECT_EQ(smoother.clusters()[0], (SmoothCluster{{1, 0}, {{2, 0}}}));
+    EXPECT_EQ(normalOf(*frame, 0), (Point{0, 1, 0}));
+}
+
+TEST_F(NormalSmootherTest, CollectChecksItsInputAndGatherDropsNodesThatLeftTheModel) {
+    Ptr<RenderNode> a = mesh("a", {{0, 0, 0}, {1, 0, 0}}, {0, 1, 0});
+    std::vector<std::uint32_t> one{1};
+    try {
+        smoother.collect(a, nq::Matrixd::identity(), one);
+        FAIL() << "no exception";
+    } catch (const nq::ExtException& e) {
+        EXPECT_EQ(e.message(), "Smoothing groups for 1 vertices given to node 'a' of 2 vertices.");
+    }
+    // Without normals there is nothing to smooth.
+    Ptr<RenderNode> bare = mesh("bare", {{0, 0, 0}}, {0, 1, 0});
+    bare->vertices.attributes.erase(NORMAL0);
+    smoother.collect(bare, nq::Matrixd::identity(), one);
+    EXPECT_TRUE(smoother.nodes().empty());
+
+    Ptr<RenderNode> b = mesh("b", {{0, 0, 0}, {-1, 0, 0}}, {1, 0, 0});
+    collect(a, nq::Matrixd::identity(), 1);
+    collect(b, nq::Matrixd::identity(), 1);
+    s.root->removeRenderNode(b.get());
+    smooth();
+    ASSERT_EQ(smoother.nodes().size(), 1u);
+    EXPECT_TRUE(smoother.clusters().empty());
+    EXPECT_EQ(normalOf(*a, 0), (Point{0, 1, 0}));
+}
+
+// Random scenes: small lattices of corners, so that many lie on the tolerance's edge, nodes
+// under a few transforms, some under an animation node, some corners without groups or not
+// finite. The indexed search must give the plain walk's clusters, and the normals written from
+// either must be the same bits.
+struct RandomScene {
+    Scene scene = makeScene();
+    NormalSmoother smoother;
+    std::vector<Ptr<RenderNode>> nodes;
+};
+
+void buildRandom(RandomScene& out, std::uint32_t seed) {
+    std::mt19937 rng(seed);
+    auto below = [&](int n) { return std::uniform_int_distribution<int>(0, n - 1)(rng); };
+    MaterialRef material = makeMaterial("m");
+    Ptr<Node> top = out.scene.root->rootNode();
+    Ptr<ArgAnimationNode> moving = makeTreeNode<ArgAnimationNode>(top, "moving");
+    const int nodeCount = 2 + below(9);
+    const bool large = seed % 10 == 0;
+    const std::uint32_t groupChoices[] = {0, 1, 2, 3, 4, 1, 1};
+    for (int i = 0; i < nodeCount; ++i) {
+        Ptr<RenderNode> node =
+            makeTriangle(below(5) == 0 ? Ptr<Node>(moving) : top, material, 0, fmt::format("n{}", i));
+        const int count = 1 + below(large ? 300 : 25);
+        std::vector<Point> points;
+        std::vector<std::uint32_t> groups;
+        for (int v = 0; v < count; ++v) {
+            points.push_back(
+                {0.0005f * below(8), 0.0005f * below(large ? 40 : 5), below(4) == 0 ? 0.0011f : 0.0f});
+            groups.push_back(groupChoices[below(7)]);
+        }
+        if (below(10) == 0) {
+            points[0][1] = std::numeric_limits<float>::quiet_NaN();
+        }
+        node->vertices = meshVertices(points);
+        auto& normals = node->vertices.attribute(NORMAL0).data;
+        for (float& f : normals) {
+            f = static_cast<float>(below(5) - 2);
+        }
+        out.scene.root->addRenderNode(node);
+        out.nodes.push_back(node);
+        nq::Matrixd world;
+        switch (below(4)) {
+            case 0:
+                world = translation(0.0005 * below(3), 0, -0.0005 * below(3));
+                break;
+            case 1:
+                world.m = {0, 0, -1, 0, 0, 1, 0, 0, 1, 0, 0, 0, 0.001, 0, 0, 1};
+                break;
+            case 2:
+                world = nq::scaleMatrix(nq::Vec3d{{2, 2, 2}});
+                break;
+            default:
+                break;
+        }
+        out.smoother.collect(node, world, groups);
+    }
+}
+
+TEST(NormalSmootherDifferential, IndexedSearchMatchesThePlainWalk) {
+    std::size_t clustersSeen = 0;
+    for (std::uint32_t seed = 1; seed <= 300; ++seed) {
+        SCOPED_TRACE(seed);
+        RandomScene fast;
+        RandomScene plain;
+        buildRandom(fast, seed);
+        buildRandom(plain, seed);
+        fast.smoother.gather();
+        plain.smoother.gather();
+        std::vector<SmoothCluster> reference = smoothtest::referenceClusters(plain.smoother.nodes());
+        ASSERT_EQ(fast.smoother.clusters(), reference);
+        clustersSeen += reference.size();
+        fast.smoother.apply();
+        applySmoothClusters(plain.smoother.nodes(), reference);
+        for (std::size_t i = 0; i < fast.nodes.size(); ++i) {
+            const auto& x = fast.nodes[i]->vertices.attribute(NORMAL0).data;
+            const auto& y = plain.nodes[i]->vertices.attribute(NORMAL0).data;
+            ASSERT_EQ(x.size(), y.size());
+            EXPECT_EQ(std::memcmp(x.data(), y.data(), x.size() * sizeof(float)), 0) << "node " << i;
+        }
+        EXPECT_EQ(fast.smoother.zeroNormalNodes(), plain.smoother.zeroNormalNodes());
+    }
+    // The scenes are dense enough to exercise the cluster search.
+    EXPECT_GT(clustersSeen, 3000u) << clustersSeen;
+}
+
+}  // namespace
