@@ -32,8 +32,9 @@ struct PatchScene {
         for (int p = 0; p < patches; ++p) {
             const int px = p % 20;
             const int py = p / 20;
-            const double ox = px * (columns - 1) * step;
-            const double oy = py * (rows - 1) * step;
+            // Neighbours overlap by two rows or columns, whose vertices meet.
+            const double ox = px * (columns - 2) * step;
+            const double oy = py * (rows - 2) * step;
             std::vector<float> positions;
             std::vector<float> normals;
             std::vector<std::uint32_t> groups;

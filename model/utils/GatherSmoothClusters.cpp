@@ -24,12 +24,19 @@ struct Cell {
     bool operator<(const Cell& o) const { return x != o.x ? x < o.x : y != o.y ? y < o.y : z < o.z; }
 };
 
+// The finaliser of splitmix64: every input bit reaches every output bit.
+std::uint64_t mix(std::uint64_t h) {
+    h = (h ^ (h >> 30)) * 0xBF58476D1CE4E5B9ull;
+    h = (h ^ (h >> 27)) * 0x94D049BB133111EBull;
+    return h ^ (h >> 31);
+}
+
 struct CellHash {
     std::size_t operator()(const Cell& c) const noexcept {
-        std::uint64_t h = static_cast<std::uint64_t>(c.x) * 0x9E3779B97F4A7C15ull;
-        h ^= static_cast<std::uint64_t>(c.y) * 0xC2B2AE3D27D4EB4Full + (h << 6) + (h >> 2);
-        h ^= static_cast<std::uint64_t>(c.z) * 0x165667B19E3779F9ull + (h << 6) + (h >> 2);
-        return static_cast<std::size_t>(h ^ (h >> 29));
+        std::uint64_t h = mix(static_cast<std::uint64_t>(c.x));
+        h = mix(h ^ static_cast<std::uint64_t>(c.y));
+        h = mix(h ^ static_cast<std::uint64_t>(c.z));
+        return static_cast<std::size_t>(h);
     }
 };
 
