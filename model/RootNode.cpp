@@ -1,6 +1,7 @@
 #include "model/RootNode.h"
 
 #include <algorithm>
+#include <functional>
 #include <unordered_set>
 
 #include "model/IBone.h"
@@ -226,17 +227,36 @@ bool RootNode::hasBones() const {
 }
 
 std::uint32_t RootNode::calcNumHandles() const {
-    std::set<std::uint32_t> arguments = getArgumentsList(tree_);
+    // Only the highest argument counts. The walk goes over plain pointers: it changes nothing,
+    // and a save calls it on trees of any size.
+    bool any = false;
+    std::uint32_t highest = 0;
+    const std::function<void(std::uint32_t)> note = [&](std::uint32_t a) {
+        highest = any && highest > a ? highest : a;
+        any = true;
+    };
+    std::vector<const Node*> stack;
+    if (tree_) {
+        stack.push_back(tree_.get());
+    }
+    while (!stack.empty()) {
+        const Node* node = stack.back();
+        stack.pop_back();
+        node->forEachArgument(note);
+        for (const Node* c = node->firstChild().get(); c; c = c->nextSibling().get()) {
+            stack.push_back(c);
+        }
+    }
     auto collect = [&](const auto& list) {
         for (const auto& node : list) {
-            node->forEachArgument([&](std::uint32_t a) { arguments.insert(a); });
+            node->forEachArgument(note);
         }
     };
     collect(connectors_);
     collect(renderNodes_);
     collect(lightNodes_);
     collect(shellNodes_);
-    return arguments.empty() ? 0 : *arguments.rbegin() + 1;
+    return any ? highest + 1 : 0;
 }
 
 }  // namespace model

@@ -1,5 +1,7 @@
 #include "model/Vertices.h"
 
+#include <algorithm>
+#include <stdexcept>
 #include <utility>
 
 #include <fmt/format.h>
@@ -188,11 +190,49 @@ void Vertices::save(io::IBinaryFileW& file) const {
     if (!isValid()) {
         throw nq::ExtException("Vertex data is invalid.");
     }
-    std::vector<float> data = interleaved();
-    std::size_t count = vertexCount();
+    const std::size_t count = vertexCount();
+    // The attributes that hold data, in ascending semantic order. Each must cover every vertex;
+    // checking first means a short attribute fails before any byte is written.
+    std::vector<const VertexAttribute*> used;
+    for (const auto& [semantic, attr] : attributes) {
+        if (attr.size > 0) {
+            if (attr.data.size() / static_cast<std::size_t>(attr.size) < count) {
+                throw std::out_of_range("invalid vector subscript");
+            }
+            used.push_back(&attr);
+        }
+    }
+    const std::size_t step = stride();
     file.writeU32(static_cast<std::uint32_t>(count));
-    file.writeU32(count == 0 ? 0u : static_cast<std::uint32_t>(data.size() / count));
-    file.write(data.data(), data.size() * sizeof(float));
+    file.writeU32(count == 0 ? 0u : static_cast<std::uint32_t>(step));
+    if (used.size() == 1) {
+        // One attribute is already interleaved: its floats go to the file as they stand.
+        file.write(used.front()->data.data(), count * step * sizeof(float));
+        return;
+    }
+    // Several attributes are interleaved through a small buffer that stays in the cache, so that
+    // no copy of the whole mesh is made on the way to the file.
+    constexpr std::size_t kChunkFloats = 4096;
+    float chunk[kChunkFloats];
+    const std::size_t perChunk = step == 0 ? 0 : std::max<std::size_t>(1, kChunkFloats / step);
+    std::vector<float> wide;  // only for a vertex wider than the chunk
+    float* out = chunk;
+    if (perChunk * step > kChunkFloats) {
+        wide.resize(step);
+        out = wide.data();
+    }
+    for (std::size_t first = 0; first < count; first += perChunk) {
+        const std::size_t last = std::min(count, first + perChunk);
+        float* at = out;
+        for (std::size_t v = first; v < last; ++v) {
+            for (const VertexAttribute* attr : used) {
+                const auto size = static_cast<std::size_t>(attr->size);
+                const float* from = attr->data.data() + size * v;
+                at = std::copy(from, from + size, at);
+            }
+        }
+        file.write(out, static_cast<std::size_t>(at - out) * sizeof(float));
+    }
 }
 
 }  // namespace model

@@ -1,6 +1,30 @@
 #include "model/io/MemBinaryFileW.h"
 
+#include <cstdint>
+
+#if defined(__linux__)
+#include <sys/mman.h>
+#endif
+
 namespace model {
+
+void MemBinaryFileW::reserve(std::size_t size) {
+    if (size <= buffer_.capacity()) {
+        return;
+    }
+    buffer_.reserve(size);
+#if defined(MADV_HUGEPAGE)
+    // Only whole huge pages inside the block are advised; the advice is a hint, and a refusal
+    // changes nothing but the speed.
+    constexpr std::uintptr_t kHugePage = std::uintptr_t{2} << 20;
+    const auto begin = reinterpret_cast<std::uintptr_t>(buffer_.data());
+    const std::uintptr_t first = (begin + kHugePage - 1) & ~(kHugePage - 1);
+    const std::uintptr_t last = (begin + buffer_.capacity()) & ~(kHugePage - 1);
+    if (last > first) {
+        ::madvise(reinterpret_cast<void*>(first), last - first, MADV_HUGEPAGE);
+    }
+#endif
+}
 
 std::size_t MemBinaryFileW::write(const void* data, std::size_t size) {
     if (position_ > buffer_.size()) {

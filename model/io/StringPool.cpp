@@ -4,10 +4,48 @@
 
 namespace model {
 
+std::size_t StringPool::home(std::uint64_t hash) const {
+    // The top bits of a multiplicative mix: texts that differ only in their last characters
+    // (names with running numbers) still spread over the whole array.
+    return static_cast<std::size_t>((hash * 0x9E3779B97F4A7C15ull) >> (64 - slotBits_));
+}
+
+std::size_t StringPool::find(std::string_view text, std::uint64_t hash) const {
+    const std::size_t mask = slots_.size() - 1;
+    for (std::size_t i = home(hash);; i = (i + 1) & mask) {
+        const Slot& slot = slots_[i];
+        if (slot.ordinal == kEmpty ||
+            (slot.hash == hash && slot.length == text.size() &&
+             (text.empty() || std::memcmp(index_[slot.ordinal], text.data(), text.size()) == 0))) {
+            return i;
+        }
+    }
+}
+
+void StringPool::grow() {
+    std::vector<Slot> old = std::move(slots_);
+    slotBits_ = old.empty() ? 10 : slotBits_ + 1;
+    slots_.assign(std::size_t{1} << slotBits_, Slot{});
+    const std::size_t mask = slots_.size() - 1;
+    for (const Slot& slot : old) {
+        if (slot.ordinal != kEmpty) {
+            std::size_t i = home(slot.hash);
+            while (slots_[i].ordinal != kEmpty) {
+                i = (i + 1) & mask;
+            }
+            slots_[i] = slot;
+        }
+    }
+}
+
 std::uint32_t StringPool::internOrdinal(std::string_view text) {
-    auto found = ordinals_.find(text);
-    if (found != ordinals_.end()) {
-        return found->second;
+    if (2 * (index_.size() + 1) > slots_.size()) {
+        grow();
+    }
+    const std::uint64_t hash = nq::fnv1a64(text);
+    Slot& slot = slots_[find(text, hash)];
+    if (slot.ordinal != kEmpty) {
+        return slot.ordinal;
     }
 
     const std::uint64_t need = text.size() + 1;
@@ -26,30 +64,34 @@ std::uint32_t StringPool::internOrdinal(std::string_view text) {
     stored[text.size()] = '\0';
     page.used += need;
     ++page.count;
+    tableSize_ += need;
 
     auto ordinal = static_cast<std::uint32_t>(index_.size());
     index_.push_back(stored);
-    ordinals_.emplace(std::string_view(stored, text.size()), ordinal);
+    slot = Slot{hash, static_cast<std::uint32_t>(text.size()), ordinal};
     return ordinal;
 }
 
 std::uint32_t StringPool::ordinal(std::string_view text) const {
-    auto found = ordinals_.find(text);
-    return found == ordinals_.end() ? 0xFFFFFFFFu : found->second;
+    if (slots_.empty()) {
+        return kEmpty;
+    }
+    return slots_[find(text, nq::fnv1a64(text))].ordinal;
 }
 
 std::vector<char> StringPool::flatten() const {
-    std::vector<char> table;
-    std::uint64_t total = 0;
-    for (const StringPage& page : pages_) {
-        total += page.used;
-    }
-    table.reserve(total);
-    for (const StringPage& page : pages_) {
-        table.insert(table.end(), page.bytes.begin(),
-                     page.bytes.begin() + static_cast<std::ptrdiff_t>(page.used));
-    }
+    std::vector<char> table(tableSize_);
+    flattenInto(reinterpret_cast<unsigned char*>(table.data()));
     return table;
+}
+
+void StringPool::flattenInto(unsigned char* to) const {
+    for (const StringPage& page : pages_) {
+        if (page.used != 0) {
+            std::memcpy(to, page.bytes.data(), page.used);
+            to += page.used;
+        }
+    }
 }
 
 }  // namespace model

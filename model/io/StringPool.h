@@ -3,11 +3,12 @@
 //
 // Texts are stored NUL-terminated in fixed-size pages; a text longer than a page gets a fresh
 // page of exactly its size plus the NUL. A hash index answers "is it there, and which ordinal"
-// without scanning, so interning costs O(length) however many strings the model has.
+// without scanning, so interning costs O(length) however many strings the model has. The index is
+// one flat array probed in place, with the hash and length kept in each slot, so that a lookup
+// touches the stored text only when it is almost surely the one sought.
 
 #include <cstdint>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "core/Fnv1a.h"
@@ -35,6 +36,10 @@ public:
 
     // The table as it stands in the file: the used bytes of each page, in page order.
     std::vector<char> flatten() const;
+    // The number of bytes of the flattened table.
+    std::uint64_t tableSize() const { return tableSize_; }
+    // Copies the flattened table to `to`, which has room for tableSize() bytes.
+    void flattenInto(unsigned char* to) const;
 
     std::uint64_t pageSize() const { return pageSize_; }
     const std::vector<StringPage>& pages() const { return pages_; }
@@ -45,8 +50,24 @@ private:
     std::uint64_t pageSize_;
     std::vector<StringPage> pages_;
     std::vector<const char*> index_;
-    // Views into the pages; page buffers never move once made, so the views stay valid.
-    std::unordered_map<std::string_view, std::uint32_t, nq::Fnv1aHash> ordinals_;
+    // An open-addressing slot: the text's hash, its length and its ordinal, or kEmpty.
+    struct Slot {
+        std::uint64_t hash = 0;
+        std::uint32_t length = 0;
+        std::uint32_t ordinal = kEmpty;
+    };
+    static constexpr std::uint32_t kEmpty = 0xFFFFFFFFu;
+
+    // The position of the slot that holds the text, or of the empty slot where it would go.
+    std::size_t find(std::string_view text, std::uint64_t hash) const;
+    std::size_t home(std::uint64_t hash) const;
+    void grow();
+
+    std::uint64_t tableSize_ = 0;
+    // A power of two in size, at most half full. Page buffers never move once made, so the
+    // stored texts the slots stand for stay where they are.
+    std::vector<Slot> slots_;
+    int slotBits_ = 0;
 };
 
 }  // namespace model

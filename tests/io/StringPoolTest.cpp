@@ -76,6 +76,27 @@ TEST(StringPool, TextThatFillsAPageExactlyStaysOnIt) {
     EXPECT_EQ(pool.ordinal("missing"), 0xFFFFFFFFu);
 }
 
+// Texts with running numbers, the empty text among them, each asked for again later: the index
+// grows many times over and must still find every one, and the table size it keeps must be the
+// flattened table's.
+TEST(StringPool, OrdinalsSurviveTheIndexGrowing) {
+    StringPool pool;
+    EXPECT_EQ(pool.ordinal("anything"), 0xFFFFFFFFu);
+    EXPECT_EQ(pool.tableSize(), 0u);
+    const std::uint32_t count = 20000;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        ASSERT_EQ(pool.internOrdinal("name" + std::to_string(i)), i);
+    }
+    EXPECT_EQ(pool.internOrdinal(""), count);
+    for (std::uint32_t i = 0; i < count; i += 7) {
+        ASSERT_EQ(pool.internOrdinal("name" + std::to_string(i)), i);
+    }
+    EXPECT_EQ(pool.internOrdinal(std::string_view()), count);
+    EXPECT_EQ(pool.ordinal("name" + std::to_string(count)), 0xFFFFFFFFu);
+    EXPECT_EQ(pool.index().size(), count + 1);
+    EXPECT_EQ(pool.tableSize(), pool.flatten().size());
+}
+
 // The indexed lookup must give the ordinals a linear scan of the stored strings would.
 TEST(StringPool, IndexedInternMatchesLinearSearch) {
     std::mt19937 rng(7);

@@ -148,6 +148,51 @@ TEST(Vertices, BoundsChecksOnInterleavingAndAssigning) {
     EXPECT_TRUE(v == before);
 }
 
+// Saving interleaves through a small buffer; the bytes must be those of the whole interleaved
+// array however the vertices fall into pieces: meshes longer than the buffer, a vertex wider than
+// it, and a lone attribute that is written as it stands.
+TEST(Vertices, SaveWritesTheInterleavedArrayWhateverItsShape) {
+    auto check = [](const Vertices& v) {
+        ByteSink sink;
+        v.save(sink);
+        // Floats per vertex are counted from the data: none without vertices.
+        const std::vector<float> data = v.interleaved();
+        const std::size_t count = v.vertexCount();
+        Expect expected;
+        expected.u32(static_cast<std::uint32_t>(count))
+            .u32(count == 0 ? 0u : std::uint32_t(data.size() / count));
+        for (float x : data) {
+            expected.f32(x);
+        }
+        EXPECT_EQ(sink.bytes, expected.bytes);
+    };
+    auto ramp = [](std::size_t n, float from) {
+        std::vector<float> data(n);
+        for (std::size_t i = 0; i < n; ++i) {
+            data[i] = from + float(i);
+        }
+        return data;
+    };
+    Vertices longMesh;
+    longMesh.setAttribute(POSITION0, 3, ramp(3 * 5001, 0));
+    longMesh.setAttribute(NORMAL0, 3, ramp(3 * 5001, 1e6f));
+    longMesh.setAttribute(TEXCOORD0, 2, ramp(2 * 5001 + 4, 2e6f));  // a longer attribute loses its tail
+    check(longMesh);
+
+    Vertices wide;
+    wide.setAttribute(POSITION0, 4500, ramp(4500 * 3, 0));
+    wide.setAttribute(NORMAL0, 1, ramp(3, -5));
+    check(wide);
+
+    Vertices lone;
+    lone.setAttribute(POSITION0, 0, {});
+    lone.setAttribute(NORMAL0, 3, ramp(9, 7));  // the lowest attribute is empty: no vertices
+    check(lone);
+    lone.setAttribute(POSITION0, 3, ramp(9, 7));
+    lone.setAttribute(NORMAL0, 0, {});
+    check(lone);
+}
+
 TEST(Vertices, InvalidDataFailsToSaveBeforeWritingAnything) {
     Vertices v;
     v.setAttribute(POSITION0, 3, {1, 2, 3});
