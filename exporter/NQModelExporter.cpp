@@ -16,6 +16,7 @@
 #include "model/ObjectRegistry.h"
 #include "model/utils/ModelBoxes.h"
 #include "model/utils/ModelStatistics.h"
+#include "model/utils/NumberNodeConverter.h"
 #include "model/utils/Optimizers.h"
 #include "model/utils/RenderNodePasses.h"
 #include "usertext/ParamsLuaWrapper.h"
@@ -189,7 +190,8 @@ int NQModelExporter::DoExport(const char* name, host::ExpInterface*, host::Inter
     try {
         ip->ProgressStart("Optimizations...", false, progressCallback, nullptr);
         model::optimizeTransformations(rootNode.get());
-        // The number conversion and the normal smoothing run here once they are available.
+        model::numberNodeConverter(rootNode.get());
+        // The normal smoothing runs here once it reads each node's transform after the optimisers.
         model::utils::runRenderNodePasses(*rootNode);
         ip->ProgressEnd();
 

@@ -182,6 +182,16 @@ TEST_F(Nqfexport, ExampleHasBoxesAndConnectors) {
         }
     }
     EXPECT_TRUE(found);
+    // The two painted boxes share one material with its diffuse bitmap, named as the file is
+    // written: lower case, without folder and extension rules applied by the reader.
+    ASSERT_EQ(doc.root.materials.size(), 1u);
+    const model::io::NqfMaterial& paint = doc.root.materials[0];
+    EXPECT_EQ(paint.materialName, "diffuse_solid");
+    EXPECT_EQ(paint.name, "CranePaint");
+    ASSERT_EQ(paint.textures.size(), 1u);
+    EXPECT_EQ(paint.textures[0].slot, 0u);
+    EXPECT_EQ(paint.textureChannels[0], 0u);
+    EXPECT_NE(r.err.find("nRenderNodes: "), std::string::npos) << r.err;
     // The helper's box through the axis change: z (0..8) becomes y, y (-10..10) becomes -z.
     EXPECT_FLOAT_EQ(doc.root.boundingBox.min[1], 0.0f);
     EXPECT_FLOAT_EQ(doc.root.boundingBox.max[1], 8.0f);
@@ -333,6 +343,57 @@ TEST_F(Nqfexport, MeshFaultsAreReportedAndKeepTheFileAway) {
           "Exporter\\src\\Export:"}) {
         EXPECT_NE(r.err.find(text), std::string::npos) << text << "\n" << r.err;
     }
+}
+
+// 200 helpers in chains of four (none a connector), each chain's last helper holding a box; the
+// boxes use three materials in turn. The optimisers fold the helpers away, baking their transforms
+// into the boxes, and the merge leaves one render node per material.
+TEST_F(Nqfexport, HelpersOverBoxesFoldDownToOneRenderNodePerMaterial) {
+    std::string nodes;
+    for (int chain = 0; chain < 50; ++chain) {
+        std::string node = "{\"name\": \"box" + std::to_string(chain) +
+                           "\", \"material\": " + std::to_string(chain % 3) +
+                           ", \"localTM\": [[1, 0, 0], [0, 1, 0], [0, 0, 1], [" + std::to_string(chain * 3) +
+                           ", 0, 0]], \"object\": {\"mesh\": {\"box\": {}}}}";
+        for (int level = 3; level >= 0; --level) {
+            node = "{\"name\": \"helper" + std::to_string(chain * 4 + level) +
+                   "\", \"localTM\": [[1, 0, 0], [0, 1, 0], [0, 0, 1], [0, " + std::to_string(level) +
+                   ", 0]], \"userProps\": \"NO_CONNECTOR = 1;\", \"object\": {\"class\": [\"0x876234\", "
+                   "\"0x0\"]}, "
+                   "\"children\": [" +
+                   node + "]}";
+        }
+        nodes += (chain ? "," : "") + node;
+    }
+    std::string materials;
+    for (const char* name : {"Red", "Green", "Blue"}) {
+        materials += std::string(materials.empty() ? "" : ",") + "{\"name\": \"" + name +
+                     "\", \"attributes\": [{\"class\": [\"0x7CB6596\", \"0x7E112E78\"], \"materialName\": "
+                     "\"solid\"}]}";
+    }
+    std::ofstream(dir / "yard.json") << "{\"filePath\": \"/scenes/yard.max\", \"materials\": [" << materials
+                                     << "], \"nodes\": [" << nodes << "]}";
+
+    const fs::path out = dir / "yard.nqf";
+    const Outcome r = run((dir / "yard.json").string() + " -o " + out.string());
+    ASSERT_EQ(r.status, 0) << r.err;
+    const model::io::NqfDocument doc = read(out);
+    ASSERT_EQ(doc.tree.size(), 1u);
+    EXPECT_EQ(doc.tree[0].head.className, "model::Node");
+    std::size_t renderNodes = 0;
+    for (const auto& group : doc.groups) {
+        if (group.name == "RENDER_NODES") {
+            renderNodes = group.nodes.size();
+            std::uint32_t vertices = 0;
+            for (const auto& node : group.nodes) {
+                vertices += std::get<model::io::NqfRenderBody>(node.body).vertices.count;
+            }
+            // Every box keeps its own 24 corners: boxes three units apart never weld.
+            EXPECT_EQ(vertices, 50u * 24u);
+        }
+    }
+    EXPECT_EQ(renderNodes, 3u);
+    EXPECT_EQ(doc.root.materials.size(), 3u);
 }
 
 }  // namespace
