@@ -56,6 +56,17 @@ Ptr<T> makeTreeNode(const Ptr<Node>& parent, const std::string& name = {}) {
     return node;
 }
 
+// Vertices of POSITION0 with four floats: x, y, z and the parent tag.
+inline Vertices taggedPositions(const std::vector<std::array<float, 4>>& points) {
+    Vertices v;
+    std::vector<float> data;
+    for (const auto& p : points) {
+        data.insert(data.end(), p.begin(), p.end());
+    }
+    v.setAttribute(POSITION0, 4, data);
+    return v;
+}
+
 // Vertices with POSITION0 of four floats (the fourth 0) and NORMAL0 (0, 1, 0).
 inline Vertices meshVertices(const std::vector<std::array<float, 3>>& points) {
     Vertices v;

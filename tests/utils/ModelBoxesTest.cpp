@@ -7,10 +7,12 @@
 #include "model/SkinNode.h"
 #include "model/TransformNode.h"
 #include "model/utils/ModelBoxes.h"
+#include "utils/MergeTestSupport.h"
 
 namespace {
 
 using namespace model;
+using mergetest::taggedPositions;
 using model::utils::computeBoundingBox;
 using model::utils::computeLightBox;
 
@@ -19,17 +21,6 @@ Ptr<TransformNode> moved(const Ptr<Node>& parent, double x, double y, double z, 
     t->matrix = nq::scaleMatrix(nq::Vec3d{{scale, scale, scale}}) * nq::translateMatrix(nq::Vec3d{{x, y, z}});
     parent->append(t);
     return t;
-}
-
-// Positions with four floats: x, y, z and the parent tag.
-Vertices taggedPositions(const std::vector<std::array<float, 4>>& points) {
-    Vertices v;
-    std::vector<float> data;
-    for (const auto& p : points) {
-        data.insert(data.end(), p.begin(), p.end());
-    }
-    v.setAttribute(POSITION0, 4, data);
-    return v;
 }
 
 TEST(ModelBoxes, EmptyModelsHaveEmptyBoxes) {

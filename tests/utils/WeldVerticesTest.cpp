@@ -7,23 +7,14 @@
 
 #include "core/ExtException.h"
 #include "model/utils/WeldVertices.h"
+#include "utils/MergeTestSupport.h"
 #include "utils/ReferenceMerging.h"
 
 namespace {
 
 using namespace model;
 using namespace model::utils;
-
-// Vertices of POSITION0 with four floats: x, y, z and the parent tag.
-Vertices positions(const std::vector<std::array<float, 4>>& points) {
-    Vertices v;
-    std::vector<float> data;
-    for (const auto& p : points) {
-        data.insert(data.end(), p.begin(), p.end());
-    }
-    v.setAttribute(POSITION0, 4, data);
-    return v;
-}
+using mergetest::taggedPositions;
 
 // Equality of layout and of every float's bits, so that not-a-number values compare too.
 bool sameBits(const Vertices& a, const Vertices& b) {
@@ -45,7 +36,7 @@ std::vector<float> xs(const Vertices& v) {
 
 TEST(WeldVertices, ToleranceIsOneHundredThousandthInclusiveAndSurvivorsKeepTheirValues) {
     EXPECT_EQ(std::bit_cast<std::uint32_t>(kWeldTolerance), 0x3727C5ACu);
-    Vertices v = positions({{0, 0, 0, 0}, {1e-5f, 0, 0, 0}, {5, 0, 0, 0}, {5 + 2e-5f, 0, 0, 0}});
+    Vertices v = taggedPositions({{0, 0, 0, 0}, {1e-5f, 0, 0, 0}, {5, 0, 0, 0}, {5 + 2e-5f, 0, 0, 0}});
     Indices i(kTriangleList, {0, 1, 2, 3, 2, 1});
     EXPECT_EQ(weldVertices(v, i, kWeldTolerance), 1u);
     EXPECT_EQ(xs(v), (std::vector<float>{0, 5, 5 + 2e-5f}));
@@ -54,7 +45,7 @@ TEST(WeldVertices, ToleranceIsOneHundredThousandthInclusiveAndSurvivorsKeepTheir
 
 TEST(WeldVertices, TheFourthFloatMustMatchBitForBit) {
     // Same place, different parents; and +0 against -0, which are equal as numbers.
-    Vertices v = positions({{1, 2, 3, 0}, {1, 2, 3, 1}, {1, 2, 3, -0.0f}, {1, 2, 3, 0}});
+    Vertices v = taggedPositions({{1, 2, 3, 0}, {1, 2, 3, 1}, {1, 2, 3, -0.0f}, {1, 2, 3, 0}});
     Indices i(kPoints, {0, 1, 2, 3});
     EXPECT_EQ(weldVertices(v, i, kWeldTolerance), 1u);
     EXPECT_EQ(i.indices, (std::vector<std::uint32_t>{0, 1, 2, 0}));
@@ -62,7 +53,7 @@ TEST(WeldVertices, TheFourthFloatMustMatchBitForBit) {
 
 TEST(WeldVertices, MatchesOfMatchesAreNotChained) {
     // b is within reach of a and of c, c is not within reach of a: a takes b, c stays.
-    Vertices v = positions({{0, 0, 0, 0}, {0.8e-5f, 0, 0, 0}, {1.6e-5f, 0, 0, 0}});
+    Vertices v = taggedPositions({{0, 0, 0, 0}, {0.8e-5f, 0, 0, 0}, {1.6e-5f, 0, 0, 0}});
     Indices i(kPoints, {2, 1, 0});
     EXPECT_EQ(weldVertices(v, i, kWeldTolerance), 1u);
     EXPECT_EQ(xs(v), (std::vector<float>{0, 1.6e-5f}));
@@ -70,13 +61,13 @@ TEST(WeldVertices, MatchesOfMatchesAreNotChained) {
 }
 
 TEST(WeldVertices, UnusedVerticesGoFirstAndCount) {
-    Vertices v = positions({{9, 0, 0, 0}, {1, 0, 0, 0}, {8, 0, 0, 0}, {1, 0, 0, 0}, {2, 0, 0, 0}});
+    Vertices v = taggedPositions({{9, 0, 0, 0}, {1, 0, 0, 0}, {8, 0, 0, 0}, {1, 0, 0, 0}, {2, 0, 0, 0}});
     Indices i(kTriangleList, {1, 3, 4});
     EXPECT_EQ(weldVertices(v, i, kWeldTolerance), 3u);  // two unused, one welded
     EXPECT_EQ(xs(v), (std::vector<float>{1, 2}));
     EXPECT_EQ(i.indices, (std::vector<std::uint32_t>{0, 0, 1}));
 
-    Vertices lone = positions({{1, 0, 0, 0}, {2, 0, 0, 0}});
+    Vertices lone = taggedPositions({{1, 0, 0, 0}, {2, 0, 0, 0}});
     Indices none(kTriangleList, {});
     EXPECT_EQ(removeUnusedVertices(lone, none), 2u);
     EXPECT_EQ(lone.vertexCount(), 0u);
@@ -85,7 +76,7 @@ TEST(WeldVertices, UnusedVerticesGoFirstAndCount) {
 TEST(WeldVertices, FloatsThatAreNotFiniteNeverWeld) {
     float nan = std::numeric_limits<float>::quiet_NaN();
     float inf = std::numeric_limits<float>::infinity();
-    Vertices v = positions(
+    Vertices v = taggedPositions(
         {{nan, 0, 0, 0}, {nan, 0, 0, 0}, {inf, 0, 0, 0}, {inf, 0, 0, 0}, {0, 0, 0, nan}, {0, 0, 0, nan}});
     Indices i(kPoints, {0, 1, 2, 3, 4, 5});
     // A not-a-number tag is compared by its bits, so the last two weld.
@@ -94,7 +85,7 @@ TEST(WeldVertices, FloatsThatAreNotFiniteNeverWeld) {
 }
 
 TEST(WeldVertices, BrokenMeshesFailWithAClearMessage) {
-    Vertices v = positions({{0, 0, 0, 0}});
+    Vertices v = taggedPositions({{0, 0, 0, 0}});
     Indices i(kPoints, {0, 1});
     try {
         weldVertices(v, i, kWeldTolerance, "wheel");
