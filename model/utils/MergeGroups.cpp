@@ -93,6 +93,27 @@ void tagParent(Vertices& vertices, std::uint32_t parent) {
     }
 }
 
+// Appends the digit entries of a number node's one parent to the entries of the parent it joins.
+// A digit names its entry by its number, in COLOR1 of each of its vertices and in word 1 of the
+// entry; where the joined parent already holds entries, both move up by their count.
+void appendDigits(std::vector<NumberEntry>& joined, const NumberNode& member, Vertices& vertices) {
+    if (member.entries.empty()) {
+        return;
+    }
+    const auto offset = static_cast<std::uint32_t>(joined.size());
+    if (offset != 0) {
+        if (VertexAttribute* digits = vertices.findAttribute(COLOR1)) {
+            for (float& number : digits->data) {
+                number += static_cast<float>(offset);
+            }
+        }
+    }
+    for (NumberEntry entry : member.entries[0]) {
+        entry.words[1] += offset;
+        joined.push_back(entry);
+    }
+}
+
 template <class T>
 Ptr<BaseRenderNode> mergeMeshes(std::span<const Ptr<BaseRenderNode>> members) {
     const T& first = static_cast<const T&>(*members[0]);
@@ -111,21 +132,18 @@ Ptr<BaseRenderNode> mergeMeshes(std::span<const Ptr<BaseRenderNode>> members) {
         auto base = static_cast<std::uint32_t>(vertices.vertexCount());
         Vertices copy = m.vertices;
         tagParent(copy, parent);
+        if constexpr (std::is_same_v<T, NumberNode>) {
+            if (out->entries.size() < parents.links.size()) {
+                out->entries.resize(parents.links.size());
+            }
+            appendDigits(out->entries[parent], m, copy);
+        }
         if (!vertices.append(copy)) {
             throw nq::ExtException(std::string(kWrongVertexSize));
         }
         indices.indices.reserve(indices.indices.size() + m.indices.indices.size());
         for (std::uint32_t index : m.indices.indices) {
             indices.indices.push_back(index + base);
-        }
-        if constexpr (std::is_same_v<T, NumberNode>) {
-            if (out->entries.size() < parents.links.size()) {
-                out->entries.resize(parents.links.size());
-            }
-            if (!m.entries.empty()) {
-                out->entries[parent].insert(out->entries[parent].end(), m.entries[0].begin(),
-                                            m.entries[0].end());
-            }
         }
     }
     out->setMesh(std::move(parents.links), std::move(indices), std::move(vertices));

@@ -1,8 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <map>
+#include <set>
+
 #include "core/ExtException.h"
+#include "model/BakeTransform.h"
 #include "model/TmpNumberRoot.h"
 #include "model/utils/NumberNodeConverter.h"
+#include "model/utils/RenderNodePasses.h"
 #include "utils/MergeTestSupport.h"
 
 namespace {
@@ -153,6 +158,49 @@ TEST_F(NumberNodeConverterTest, FailureTexts) {
         d->vertices.setAttribute(TEXCOORD0, 2, std::vector<float>(6, 0.0f));
         expectThrows(kCantMergeDigits);
     }
+}
+
+TEST_F(NumberNodeConverterTest, DigitNumbersNameTheirOwnEntriesAfterNumberNodesMerge) {
+    // Two equal materials that are separate objects give two number nodes on the same number
+    // root, each linked with the argument of its first digit (both 10); the render-node passes
+    // unify their copies and merge them into one node whose two equal parents fold into one.
+    // Each digit sits at its own x, and all but the first two have their own argument, so every
+    // vertex can be traced to the entry its digit number must name.
+    MaterialRef twin = copyMaterial(material);
+    const std::vector<std::pair<MaterialRef, std::uint32_t>> digits{
+        {material, 10}, {twin, 10}, {material, 12}, {twin, 13}, {twin, 14}};
+    std::map<float, std::uint32_t> argumentAt;
+    for (std::size_t i = 0; i < digits.size(); ++i) {
+        const float x = 3.0f * static_cast<float>(i);
+        digit(digits[i].first, x, digits[i].second);
+        for (float corner : {x, x + 1}) {
+            argumentAt[corner] = digits[i].second;
+        }
+    }
+    ASSERT_TRUE(numberNodeConverter(s.root.get()));
+    ASSERT_EQ(numbers().size(), 2u);
+    runRenderNodePasses(*s.root);
+    ASSERT_EQ(numbers().size(), 1u);
+    const NumberNode& n = *numbers()[0];
+    ASSERT_EQ(n.entries.size(), 1u);
+    ASSERT_EQ(n.entries[0].size(), digits.size());
+
+    const auto& positions = n.vertices.attribute(POSITION0).data;
+    const auto& digitNumbers = n.vertices.attribute(COLOR1).data;
+    std::set<std::uint32_t> named;
+    for (std::size_t v = 0; v < n.vertices.vertexCount(); ++v) {
+        SCOPED_TRACE(v);
+        const std::uint32_t tag = vertexParentTag(n.vertices, v);
+        ASSERT_LT(tag, n.entries.size());
+        const auto number = static_cast<std::size_t>(digitNumbers[v]);
+        ASSERT_LT(number, n.entries[tag].size());
+        const NumberEntry& entry = n.entries[tag][number];
+        EXPECT_EQ(entry.words[1], number);
+        const float x = positions[v * 4];
+        EXPECT_EQ(entry.words[0], argumentAt.at(x)) << "x " << x;
+        named.insert(entry.words[0]);
+    }
+    EXPECT_EQ(named, (std::set<std::uint32_t>{10, 12, 13, 14}));
 }
 
 TEST_F(NumberNodeConverterTest, ChildfreeIsCheckedOnlyWhenADigitIsMet) {
