@@ -51,8 +51,11 @@ void exportGeometry(NQModelExporter& exporter, const model::Ptr<model::Node>& pa
                    "Water masks and collision shells are not exported yet. Node: " + name);
     }
     if ((flags & kRenderable) || flags == 0) {
-        const MeshContext context{exporter.time, &exporter.mtlKeeper, exporter.rootNode.get(),
-                                  exporter.smoothingCollector};
+        model::utils::NormalSmoother& smoother = exporter.normalSmoother;
+        const MeshContext context{
+            exporter.time, &exporter.mtlKeeper, exporter.rootNode.get(),
+            [&smoother](const model::Ptr<model::BaseMeshRenderNode>& renderNode,
+                        std::vector<std::uint32_t> groups) { smoother.collect(renderNode, groups); }};
         exportRenderNodes(context, node, tri.mesh(), parent, settings);
     }
 }

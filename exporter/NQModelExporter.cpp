@@ -78,8 +78,9 @@ void NQModelExporter::ShowAbout(host::HWND parent) {
 }
 
 void NQModelExporter::reset() {
-    // The bone keeper and the normal smoother join this clean-up as they are added to the exporter.
+    // The bone keeper joins this clean-up when it is added to the exporter.
     consumedNodes.clear();
+    normalSmoother.reset();
     mtlKeeper.clear();
     origin = nq::Vec3d{};
     rootNode = nullptr;
@@ -120,6 +121,16 @@ void NQModelExporter::showStatistics() {
     std::string text;
     appendStatistics(text, model::utils::gatherStatistics(*rootNode), 0);
     ip->MessageBox(ip->GetMAXHWnd(), text, "Export statistics", host::MB_OK | host::MB_ICONINFORMATION);
+}
+
+void NQModelExporter::smoothNormals() {
+    ip->ProgressStart("Smoothing normals...", false, progressCallback, nullptr);
+    normalSmoother.gather();
+    normalSmoother.apply();
+    ip->ProgressEnd();
+    for (const std::string& node : normalSmoother.zeroNormalNodes()) {
+        reportError("Node %s has zero normals.", node.c_str());
+    }
 }
 
 int NQModelExporter::DoExport(const char* name, host::ExpInterface*, host::Interface* host, bool,
@@ -185,13 +196,16 @@ int NQModelExporter::DoExport(const char* name, host::ExpInterface*, host::Inter
         path = name;
     }
 
-    // The material check and the zero-normals report run here once materials and smoothing exist.
+    // The material check runs here once it exists. The nodes left with zero normals are reported
+    // after the smoothing below, which is what makes most of them.
 
     try {
         ip->ProgressStart("Optimizations...", false, progressCallback, nullptr);
         model::optimizeTransformations(rootNode.get());
         model::numberNodeConverter(rootNode.get());
-        // The normal smoothing runs here once it reads each node's transform after the optimisers.
+        if (userSettings().smoothNormals() != 0) {
+            smoothNormals();
+        }
         model::utils::runRenderNodePasses(*rootNode);
         ip->ProgressEnd();
 

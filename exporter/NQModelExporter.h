@@ -14,6 +14,7 @@
 #include "host/SceneExport.h"
 #include "model/RootNode.h"
 #include "model/TransformNode.h"
+#include "model/utils/NormalSmoother.h"
 
 namespace exporter {
 
@@ -52,9 +53,8 @@ public:
     std::set<host::INode*> consumedNodes;
     // The model materials of this export, shared among the nodes that use like materials.
     MtlKeeper mtlKeeper;
-    // Receives the smoothing groups of the render nodes whose normals are smoothed across nodes;
-    // empty until the normal smoother is installed.
-    SmoothingCollector smoothingCollector;
+    // The render nodes whose normals are smoothed across nodes, collected by the walk.
+    model::utils::NormalSmoother normalSmoother;
     // World position of the helper named "ORIGIN", scene units.
     nq::Vec3d origin{};
     host::TimeValue time = 0;
@@ -70,6 +70,9 @@ private:
     bool showErrorList();
     void startViewer(const std::string& path);
     void showStatistics();
+    // Closes the shading seams between the collected render nodes, then reports each node left
+    // with a normal of zero length.
+    void smoothNormals();
 };
 
 }  // namespace exporter

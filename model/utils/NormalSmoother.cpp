@@ -66,6 +66,16 @@ std::uint64_t smoothKeyOf(const BaseMeshRenderNode& node) {
     return key;
 }
 
+nq::Matrixd nodeWorldTransform(const BaseMeshRenderNode& node) {
+    nq::Matrixd world = nq::Matrixd::identity();
+    if (node.linkCount() > 0) {
+        if (Ptr<Node> link = node.link(0)) {
+            link->worldTransform(DummyArguments(), world);
+        }
+    }
+    return world;
+}
+
 bool boxesMeet(const SmoothNode& a, const SmoothNode& b) {
     for (int axis = 0; axis < 3; ++axis) {
         if (std::max(a.boxMin[axis], b.boxMin[axis]) > std::min(a.boxMax[axis], b.boxMax[axis])) {
@@ -107,6 +117,10 @@ void applySmoothClusters(std::span<const SmoothNode> nodes, std::span<const Smoo
     }
 }
 
+void NormalSmoother::collect(const Ptr<BaseMeshRenderNode>& node, std::span<const std::uint32_t> groups) {
+    collect(node, nodeWorldTransform(*node), groups);
+}
+
 void NormalSmoother::collect(const Ptr<BaseMeshRenderNode>& node, const nq::Matrixd& world,
                              std::span<const std::uint32_t> groups) {
     const VertexAttribute* positions = attributeOf(node->vertices, POSITION0);
@@ -128,7 +142,6 @@ void NormalSmoother::collect(const Ptr<BaseMeshRenderNode>& node, const nq::Matr
     const nq::Matrixd normalMatrix = transposed(world.inverse());
     SmoothNode out;
     out.node = node;
-    out.toNode = transposed(world);
     constexpr double kInf = std::numeric_limits<double>::infinity();
     out.boxMin = {{kInf, kInf, kInf}};
     out.boxMax = {{-kInf, -kInf, -kInf}};
@@ -155,6 +168,7 @@ void NormalSmoother::gather() {
     std::erase_if(nodes_, [](const SmoothNode& n) { return n.node->root == nullptr; });
     for (SmoothNode& n : nodes_) {
         n.smoothKey = smoothKeyOf(*n.node);
+        n.toNode = transposed(nodeWorldTransform(*n.node));
     }
     clusters_ = gatherSmoothClusters(nodes_);
 }

@@ -5,6 +5,10 @@
 // Order of use: collect each render node whose normals are to be smoothed, while its mesh is
 // made; after the tree passes, gather, then apply; zeroNormalNodes names the nodes left with a
 // normal of zero length. reset forgets everything.
+//
+// The tree passes between collect and gather bake transforms into vertices and move transforms
+// about. They keep the world geometry, so the world copies taken at collect stay valid; only the
+// way back into a node's own space changes, and gather takes it from the tree as it stands then.
 
 #include <cstdint>
 #include <span>
@@ -31,6 +35,7 @@ struct SmoothNode {
     Ptr<BaseMeshRenderNode> node;
     // Takes a world normal back into the node's space: the transpose of the node's world
     // transform (normals go out through the inverse transpose). Only the upper 3 by 3 counts.
+    // Set by gather from the node's place in the tree at that time.
     nq::Matrixd toNode;
     nq::Vec3d boxMin;
     nq::Vec3d boxMax;
@@ -62,6 +67,10 @@ inline constexpr double kSmoothTolerance = 0.001;
 // skinned node, whose vertices follow bones, and 0 for a node that does not move.
 std::uint64_t smoothKeyOf(const BaseMeshRenderNode& node);
 
+// The world transform at rest (every argument 0) of the tree node that carries a render node:
+// its first link, which for a skin is the node that holds the skin. Identity without a link.
+nq::Matrixd nodeWorldTransform(const BaseMeshRenderNode& node);
+
 // The boxes overlap or touch on all three axes.
 bool boxesMeet(const SmoothNode& a, const SmoothNode& b);
 
@@ -90,6 +99,8 @@ void applySmoothClusters(std::span<const SmoothNode> nodes, std::span<const Smoo
 
 class NormalSmoother {
 public:
+    // Copies a render node's vertices into world space through its nodeWorldTransform.
+    void collect(const Ptr<BaseMeshRenderNode>& node, std::span<const std::uint32_t> groups);
     // Copies a render node's vertices into world space: positions through world (row vectors,
     // translation in the last row), normals through its inverse transpose and normalised. groups
     // holds one smoothing group per vertex; another count throws nq::ExtException. A node without
@@ -97,7 +108,8 @@ public:
     void collect(const Ptr<BaseMeshRenderNode>& node, const nq::Matrixd& world,
                  std::span<const std::uint32_t> groups);
     // Leaves out the nodes that have left the model's lists since they were collected, takes each
-    // node's smoothKeyOf as it stands now, and builds the clusters.
+    // node's smoothKeyOf and the way back into its space (from nodeWorldTransform) as they stand
+    // now, and builds the clusters.
     void gather();
     // Writes the clusters' normals into the render nodes.
     void apply();

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
+#include <array>
+#include <cmath>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -394,6 +396,87 @@ TEST_F(Nqfexport, HelpersOverBoxesFoldDownToOneRenderNodePerMaterial) {
     }
     EXPECT_EQ(renderNodes, 3u);
     EXPECT_EQ(doc.root.materials.size(), 3u);
+}
+
+// A vertex of a file: position and normal as the file holds them.
+struct FileVertex {
+    std::array<double, 3> position{};
+    std::array<double, 3> normal{};
+};
+
+// The vertices of all render nodes whose position lies in the plane x = 0.
+std::vector<FileVertex> verticesOnPlaneX0(const model::io::NqfDocument& doc) {
+    std::vector<FileVertex> out;
+    for (const auto& group : doc.groups) {
+        if (group.name != "RENDER_NODES") {
+            continue;
+        }
+        for (const auto& node : group.nodes) {
+            const auto& body = std::get<model::io::NqfRenderBody>(node.body);
+            const auto& format = doc.root.materials.at(body.material).vertexFormat;
+            // Attributes are interleaved in the order of their semantics: POSITION0, then NORMAL0.
+            const std::size_t normalAt = format[0];
+            EXPECT_GE(format[1], 3u);
+            for (std::uint32_t v = 0; v < body.vertices.count; ++v) {
+                const float* f = &body.vertices.data[std::size_t{v} * body.vertices.floatsPerVertex];
+                if (std::fabs(f[0]) > 1e-4) {
+                    continue;
+                }
+                out.push_back({{f[0], f[1], f[2]}, {f[normalAt], f[normalAt + 1], f[normalAt + 2]}});
+            }
+        }
+    }
+    return out;
+}
+
+// Two unit-smoothed cubes, each under a helper with its own turn, touch along the plane x = 0.
+// The optimisers bake the helpers into the vertices before the smoothing writes its normals back.
+TEST_F(Nqfexport, CubesThatTouchShareTheirNormalsAlongTheSeamWhenSmoothingIsOn) {
+    const fs::path out = dir / "seam.nqf";
+    Outcome r = run(scene("smooth_seam.json") + " -o " + out.string());
+    ASSERT_EQ(r.status, 0) << r.err;
+    model::io::NqfDocument doc = read(out);
+    // The tree folds down to its top node, so the file's vertices are in model space.
+    ASSERT_EQ(doc.tree.size(), 1u);
+    std::vector<FileVertex> seam = verticesOnPlaneX0(doc);
+    ASSERT_FALSE(seam.empty());
+    const double half = std::sqrt(0.5);
+    for (const FileVertex& a : seam) {
+        // Each cube alone would give the corner (+-1, +-1, +-1) / sqrt(3); together the seam's
+        // sideways parts cancel and the normal lies in the plane.
+        EXPECT_NEAR(a.normal[0], 0.0, 1e-5);
+        EXPECT_NEAR(std::fabs(a.normal[1]), half, 1e-5);
+        EXPECT_NEAR(std::fabs(a.normal[2]), half, 1e-5);
+        for (const FileVertex& b : seam) {
+            if (a.position == b.position) {
+                EXPECT_EQ(a.normal, b.normal);
+            }
+        }
+    }
+
+    r = run(scene("smooth_seam.json") + " -o " + out.string() + " --set smoothNormals=0");
+    ASSERT_EQ(r.status, 0) << r.err;
+    seam = verticesOnPlaneX0(read(out));
+    // Four corners, each with one vertex from either cube, each with its own cube's normal.
+    ASSERT_EQ(seam.size(), 8u);
+    const double third = std::sqrt(1.0 / 3.0);
+    int leftward = 0;
+    for (const FileVertex& a : seam) {
+        EXPECT_NEAR(std::fabs(a.normal[0]), third, 1e-5);
+        leftward += a.normal[0] < 0;
+    }
+    EXPECT_EQ(leftward, 4);
+}
+
+TEST_F(Nqfexport, NormalsThatCancelAcrossNodesNameTheirNodesAndKeepTheFileAway) {
+    // "upper" and "lower" are one triangle facing up and down; "apart" stands alone.
+    const fs::path out = dir / "cancel.nqf";
+    const Outcome r = run(scene("smooth_cancel.json") + " -o " + out.string());
+    EXPECT_EQ(r.status, 1) << r.err;
+    EXPECT_FALSE(fs::exists(out));
+    EXPECT_NE(r.err.find("Node upper has zero normals.\n"), std::string::npos) << r.err;
+    EXPECT_NE(r.err.find("Node lower has zero normals.\n"), std::string::npos) << r.err;
+    EXPECT_EQ(r.err.find("Node apart"), std::string::npos) << r.err;
 }
 
 }  // namespace

@@ -5,7 +5,9 @@
 
 #include "core/ExtException.h"
 #include "model/ArgAnimationNode.h"
+#include "model/TransformNode.h"
 #include "model/utils/NormalSmoother.h"
+#include "model/utils/Optimizers.h"
 #include "utils/MergeTestSupport.h"
 #include "utils/ReferenceSmoothing.h"
 
@@ -43,9 +45,16 @@ protected:
         return node;
     }
 
-    void collect(const Ptr<RenderNode>& node, const nq::Matrixd& world, std::uint32_t group) {
+    // A static transform under the top node.
+    Ptr<Node> placed(const nq::Matrixd& m) {
+        Ptr<TransformNode> t = makeTreeNode<TransformNode>(top);
+        t->matrix = m;
+        return t;
+    }
+
+    void collect(const Ptr<RenderNode>& node, std::uint32_t group) {
         std::vector<std::uint32_t> groups(node->vertices.vertexCount(), group);
-        smoother.collect(node, world, groups);
+        smoother.collect(node, groups);
     }
 
     void smooth() {
@@ -72,12 +81,12 @@ TEST_F(NormalSmootherTest, QuadsSharingAnEdgeGetEqualNormalsOnlyWithACommonGroup
         smoother.reset();
         // A faces +z in the world; B is built facing +z too, and its world transform turns it to
         // face +x, so that A's edge at x = 0 is also B's.
-        Ptr<RenderNode> a = mesh("a", {{-1, 0, 0}, {0, 0, 0}, {0, 1, 0}, {-1, 1, 0}}, {0, 0, 1});
-        Ptr<RenderNode> b = mesh("b", {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, {0, 0, 1});
         nq::Matrixd turn;
         turn.m = {0, 0, -1, 0, 0, 1, 0, 0, 1, 0, 0, 0, 0, 0, 0, 1};
-        collect(a, nq::Matrixd::identity(), 1);
-        collect(b, turn, groupB);
+        Ptr<RenderNode> a = mesh("a", {{-1, 0, 0}, {0, 0, 0}, {0, 1, 0}, {-1, 1, 0}}, {0, 0, 1});
+        Ptr<RenderNode> b = mesh("b", {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, {0, 0, 1}, placed(turn));
+        collect(a, 1);
+        collect(b, groupB);
         smooth();
         if (groupB & 1u) {
             // The shared corners, in world space (s, 0, s); in B's own space (-s, 0, s).
@@ -104,9 +113,9 @@ TEST_F(NormalSmootherTest, ToleranceIsInclusiveInDoublePrecision) {
         SCOPED_TRACE(gap);
         smoother.reset();
         Ptr<RenderNode> a = mesh("a", {{0, 0, 0}, {1, 0, 0}, {-1, 0, 0}}, {0, 1, 0});
-        Ptr<RenderNode> b = mesh("b", {{0, 0, 0}, {0, 0, 1}}, {1, 0, 0});
-        collect(a, nq::Matrixd::identity(), 1);
-        collect(b, translation(gap, 0, 0), 1);
+        Ptr<RenderNode> b = mesh("b", {{0, 0, 0}, {0, 0, 1}}, {1, 0, 0}, placed(translation(gap, 0, 0)));
+        collect(a, 1);
+        collect(b, 1);
         smooth();
         if (std::fabs(gap) <= 0.001) {
             ASSERT_EQ(smoother.clusters().size(), 1u);
@@ -123,9 +132,9 @@ TEST_F(NormalSmootherTest, ToleranceIsInclusiveInDoublePrecision) {
 TEST_F(NormalSmootherTest, DisjointBoxesAreNeverCompared) {
     // The corners lie 0.0005 apart but the boxes (each a single point) do not touch.
     Ptr<RenderNode> a = mesh("a", {{0, 0, 0}}, {0, 1, 0});
-    Ptr<RenderNode> b = mesh("b", {{0, 0, 0}}, {1, 0, 0});
-    collect(a, nq::Matrixd::identity(), 1);
-    collect(b, translation(0.0005, 0, 0), 1);
+    Ptr<RenderNode> b = mesh("b", {{0, 0, 0}}, {1, 0, 0}, placed(translation(0.0005, 0, 0)));
+    collect(a, 1);
+    collect(b, 1);
     smooth();
     EXPECT_TRUE(smoother.clusters().empty());
 }
@@ -135,7 +144,7 @@ TEST_F(NormalSmootherTest, VerticesOfOneNodeAreNotMergedWithEachOther) {
     Ptr<RenderNode> a = mesh("a", {{0, 0, 0}, {0, 0, 0}, {1, 1, 1}}, {0, 1, 0});
     a->vertices.attribute(NORMAL0).data[3] = 1;
     a->vertices.attribute(NORMAL0).data[4] = 0;
-    collect(a, nq::Matrixd::identity(), 1);
+    collect(a, 1);
     smooth();
     EXPECT_TRUE(smoother.clusters().empty());
     EXPECT_EQ(normalOf(*a, 1), (Point{1, 0, 0}));
@@ -144,7 +153,7 @@ TEST_F(NormalSmootherTest, VerticesOfOneNodeAreNotMergedWithEachOther) {
     // second finds that cluster by its head and adds b's corner once more, but is not itself a
     // member, so it keeps its normal.
     Ptr<RenderNode> b = mesh("b", {{0, 0, 0}, {1, 1, 1}}, {0, 0, 1});
-    collect(b, nq::Matrixd::identity(), 1);
+    collect(b, 1);
     smooth();
     ASSERT_EQ(smoother.clusters().size(), 2u);
     EXPECT_EQ(smoother.clusters()[0], (SmoothCluster{{0, 0}, {{1, 0}, {1, 0}}}));
@@ -158,9 +167,9 @@ TEST_F(NormalSmootherTest, CancellingNormalsLeaveZeroAndNameTheirNodes) {
     Ptr<RenderNode> up = mesh("up", {{0, 0, 0}, {1, 0, 0}}, {0, 0, 1});
     Ptr<RenderNode> down = mesh("down", {{0, 0, 0}, {-1, 0, 0}}, {0, 0, -1});
     Ptr<RenderNode> apart = mesh("apart", {{5, 5, 5}, {6, 6, 6}}, {0, 0, -1});
-    collect(up, nq::Matrixd::identity(), 1);
-    collect(down, nq::Matrixd::identity(), 1);
-    collect(apart, nq::Matrixd::identity(), 1);
+    collect(up, 1);
+    collect(down, 1);
+    collect(apart, 1);
     EXPECT_TRUE(smoother.zeroNormalNodes().empty());
     smooth();
     EXPECT_EQ(normalOf(*up, 0), (Point{0, 0, 0}));
@@ -182,7 +191,7 @@ TEST_F(NormalSmootherTest, OnlyNodesThatMoveTogetherMerge) {
     EXPECT_EQ(smoothKeyOf(*skin), 1u);
 
     for (const auto& n : {frame, leaf, handle}) {
-        collect(n, nq::Matrixd::identity(), 1);
+        collect(n, 1);
     }
     smooth();
     // Only the two parts of the door meet.
@@ -195,7 +204,7 @@ TEST_F(NormalSmootherTest, CollectChecksItsInputAndGatherDropsNodesThatLeftTheMo
     Ptr<RenderNode> a = mesh("a", {{0, 0, 0}, {1, 0, 0}}, {0, 1, 0});
     std::vector<std::uint32_t> one{1};
     try {
-        smoother.collect(a, nq::Matrixd::identity(), one);
+        smoother.collect(a, one);
         FAIL() << "no exception";
     } catch (const nq::ExtException& e) {
         EXPECT_EQ(e.message(), "Smoothing groups for 1 vertices given to node 'a' of 2 vertices.");
@@ -203,12 +212,12 @@ TEST_F(NormalSmootherTest, CollectChecksItsInputAndGatherDropsNodesThatLeftTheMo
     // Without normals there is nothing to smooth.
     Ptr<RenderNode> bare = mesh("bare", {{0, 0, 0}}, {0, 1, 0});
     bare->vertices.attributes.erase(NORMAL0);
-    smoother.collect(bare, nq::Matrixd::identity(), one);
+    smoother.collect(bare, one);
     EXPECT_TRUE(smoother.nodes().empty());
 
     Ptr<RenderNode> b = mesh("b", {{0, 0, 0}, {-1, 0, 0}}, {1, 0, 0});
-    collect(a, nq::Matrixd::identity(), 1);
-    collect(b, nq::Matrixd::identity(), 1);
+    collect(a, 1);
+    collect(b, 1);
     s.root->removeRenderNode(b.get());
     smooth();
     ASSERT_EQ(smoother.nodes().size(), 1u);
@@ -226,6 +235,21 @@ struct RandomScene {
     std::vector<Ptr<RenderNode>> nodes;
 };
 
+// A render node on parent with the given corners and normals drawn from -2 to 2 by below, listed
+// in the model and collected.
+template <class Below>
+void addCollected(RandomScene& out, const Ptr<Node>& parent, const MaterialRef& material, int i,
+                  const std::vector<Point>& points, const std::vector<std::uint32_t>& groups, Below& below) {
+    Ptr<RenderNode> node = makeTriangle(parent, material, 0, fmt::format("n{}", i));
+    node->vertices = meshVertices(points);
+    for (float& f : node->vertices.attribute(NORMAL0).data) {
+        f = static_cast<float>(below(5) - 2);
+    }
+    out.scene.root->addRenderNode(node);
+    out.nodes.push_back(node);
+    out.smoother.collect(node, groups);
+}
+
 void buildRandom(RandomScene& out, std::uint32_t seed) {
     std::mt19937 rng(seed);
     auto below = [&](int n) { return std::uniform_int_distribution<int>(0, n - 1)(rng); };
@@ -236,8 +260,26 @@ void buildRandom(RandomScene& out, std::uint32_t seed) {
     const bool large = seed % 10 == 0;
     const std::uint32_t groupChoices[] = {0, 1, 2, 3, 4, 1, 1};
     for (int i = 0; i < nodeCount; ++i) {
-        Ptr<RenderNode> node =
-            makeTriangle(below(5) == 0 ? Ptr<Node>(moving) : top, material, 0, fmt::format("n{}", i));
+        Ptr<Node> parent = below(5) == 0 ? Ptr<Node>(moving) : top;
+        nq::Matrixd m;
+        switch (below(4)) {
+            case 0:
+                m = translation(0.0005 * below(3), 0, -0.0005 * below(3));
+                break;
+            case 1:
+                m.m = {0, 0, -1, 0, 0, 1, 0, 0, 1, 0, 0, 0, 0.001, 0, 0, 1};
+                break;
+            case 2:
+                m = nq::scaleMatrix(nq::Vec3d{{2, 2, 3}});
+                break;
+            default:
+                break;
+        }
+        if (!m.isIdentity(0.0)) {
+            Ptr<TransformNode> t = makeTreeNode<TransformNode>(parent);
+            t->matrix = m;
+            parent = t;
+        }
         const int count = 1 + below(large ? 300 : 25);
         std::vector<Point> points;
         std::vector<std::uint32_t> groups;
@@ -249,28 +291,7 @@ void buildRandom(RandomScene& out, std::uint32_t seed) {
         if (below(10) == 0) {
             points[0][1] = std::numeric_limits<float>::quiet_NaN();
         }
-        node->vertices = meshVertices(points);
-        auto& normals = node->vertices.attribute(NORMAL0).data;
-        for (float& f : normals) {
-            f = static_cast<float>(below(5) - 2);
-        }
-        out.scene.root->addRenderNode(node);
-        out.nodes.push_back(node);
-        nq::Matrixd world;
-        switch (below(4)) {
-            case 0:
-                world = translation(0.0005 * below(3), 0, -0.0005 * below(3));
-                break;
-            case 1:
-                world.m = {0, 0, -1, 0, 0, 1, 0, 0, 1, 0, 0, 0, 0.001, 0, 0, 1};
-                break;
-            case 2:
-                world = nq::scaleMatrix(nq::Vec3d{{2, 2, 2}});
-                break;
-            default:
-                break;
-        }
-        out.smoother.collect(node, world, groups);
+        addCollected(out, parent, material, i, points, groups, below);
     }
 }
 
@@ -299,6 +320,97 @@ TEST(NormalSmootherDifferential, IndexedSearchMatchesThePlainWalk) {
     }
     // The scenes are dense enough to exercise the cluster search.
     EXPECT_GT(clustersSeen, 3000u) << clustersSeen;
+}
+
+// The tree passes run between collect and gather in an export: they bake static transforms into
+// the vertices (normals by the inverse transpose) and hang the nodes higher up. Smoothing after
+// them must give the normals that smoothing before them gives once those are baked in turn.
+void buildBaked(RandomScene& out, std::uint32_t seed) {
+    std::mt19937 rng(seed);
+    auto below = [&](int n) { return std::uniform_int_distribution<int>(0, n - 1)(rng); };
+    MaterialRef material = makeMaterial("m");
+    Ptr<Node> top = out.scene.root->rootNode();
+    auto pick = [&] {
+        nq::Matrixd m;
+        switch (below(5)) {
+            case 0:
+                m.m = {0, 1, 0, 0, -1, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};  // a quarter turn about z
+                break;
+            case 1:
+                m = nq::scaleMatrix(nq::Vec3d{{1, 2, 0.5}});
+                break;
+            case 2:
+                m = nq::scaleMatrix(nq::Vec3d{{-1, 1, 1}});
+                break;
+            case 3:
+                m = translation(3, -1, 2);
+                break;
+            default:
+                m.m = {0.6, 0, -0.8, 0, 0, 1, 0, 0, 0.8, 0, 0.6, 0, 0, 0, 0, 1};
+                break;
+        }
+        return m;
+    };
+    const int nodeCount = 2 + below(6);
+    for (int i = 0; i < nodeCount; ++i) {
+        Ptr<Node> parent = top;
+        for (int depth = below(3); depth > 0; --depth) {
+            Ptr<TransformNode> t = makeTreeNode<TransformNode>(parent);
+            t->matrix = pick();
+            parent = t;
+        }
+        nq::Matrixd world;
+        parent->worldTransform(DummyArguments(), world);
+        const nq::Matrixd toLocal = world.inverse();
+        // Corners on a coarse world lattice, so that nodes share many of them.
+        std::vector<Point> points;
+        std::vector<std::uint32_t> groups;
+        for (int v = 0, count = 3 + below(12); v < count; ++v) {
+            nq::Vec3d local = toLocal.transformPoint(nq::Vec3d{{double(below(3)), double(below(3)), 0.0}});
+            points.push_back({float(local[0]), float(local[1]), float(local[2])});
+            groups.push_back(1u + static_cast<std::uint32_t>(below(2)));
+        }
+        addCollected(out, parent, material, i, points, groups, below);
+    }
+}
+
+TEST(NormalSmootherAndOptimisers, SmoothingAfterTheBakeMatchesSmoothingBeforeIt) {
+    std::size_t moved = 0;
+    std::size_t clusters = 0;
+    for (std::uint32_t seed = 1; seed <= 60; ++seed) {
+        SCOPED_TRACE(seed);
+        RandomScene after;
+        RandomScene before;
+        buildBaked(after, seed);
+        buildBaked(before, seed);
+        std::vector<Node*> linksBefore;
+        for (const auto& n : after.nodes) {
+            linksBefore.push_back(n->link(0).get());
+        }
+
+        optimizeTransformations(after.scene.root.get());
+        after.smoother.gather();
+        after.smoother.apply();
+
+        before.smoother.gather();
+        before.smoother.apply();
+        optimizeTransformations(before.scene.root.get());
+
+        ASSERT_EQ(after.smoother.clusters(), before.smoother.clusters());
+        clusters += after.smoother.clusters().size();
+        for (std::size_t i = 0; i < after.nodes.size(); ++i) {
+            moved += after.nodes[i]->link(0).get() != linksBefore[i];
+            const auto& x = after.nodes[i]->vertices.attribute(NORMAL0).data;
+            const auto& y = before.nodes[i]->vertices.attribute(NORMAL0).data;
+            ASSERT_EQ(x.size(), y.size());
+            for (std::size_t k = 0; k < x.size(); ++k) {
+                EXPECT_NEAR(x[k], y[k], 1e-5) << "node " << i << " float " << k;
+            }
+        }
+    }
+    // The optimisers did move nodes, and the scenes did smooth.
+    EXPECT_GT(moved, 60u);
+    EXPECT_GT(clusters, 100u);
 }
 
 }  // namespace
