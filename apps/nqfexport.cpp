@@ -26,6 +26,7 @@
 #include "host/SceneExport.h"
 #include "scene/HeadlessInterface.h"
 #include "scene/SceneLoader.h"
+#include "scene/StageTimes.h"
 #include "scene/StatisticsJson.h"
 #include "usertext/ParamsLuaWrapper.h"
 
@@ -49,6 +50,8 @@ Example:
     the same with two settings changed for this run only; the settings file stays as it is.
   nqfexport ship.json -o ship.nqf --stats json
     prints the statistics as JSON on stdout instead of as text on stderr.
+  nqfexport ship.json -o ship.nqf --timings
+    the same, and prints the time of each stage (load, walk, optimisation, write, finish).
   nqfexport --check-text hook.txt      (or - to read the text from stdin)
     evaluates one node's user-defined text as the export would and prints its TYPE words, its
     settings and the properties it gets, or the exact message the export would report.
@@ -77,9 +80,31 @@ fs::path programDir() {
 
 // The host counts what the exporter shows: the error list and any error box mean a failed export.
 // With statsJson the statistics box is kept for the JSON output instead of being shown.
+// With stage times it reads the export's stages from its progress displays: the walk opens
+// "Exporting scene...", the optimisation "Optimizations...", the write "Writing file..." and the
+// display that the write closes ends it; the rest (statistics, release of the model) is "finish".
 class ExportHost : public scene::HeadlessInterface {
 public:
     using HeadlessInterface::HeadlessInterface;
+    void ProgressStart(const std::string& title, bool showBar, host::ProgressCallback callback,
+                       void* argument) override {
+        if (stageTimes) {
+            if (title == "Exporting scene...") {
+                stageTimes->begin("walk");
+            } else if (title == "Optimizations...") {
+                stageTimes->begin("optimisation");
+            } else if (title == "Writing file...") {
+                stageTimes->begin("write");
+            }
+        }
+        HeadlessInterface::ProgressStart(title, showBar, callback, argument);
+    }
+    void ProgressEnd() override {
+        if (stageTimes && stageTimes->running() == "write") {
+            stageTimes->begin("finish");
+        }
+        HeadlessInterface::ProgressEnd();
+    }
     int MessageBox(host::HWND owner, const std::string& text, const std::string& caption,
                    unsigned type) override {
         // The viewer's "Error" box is shown too, but the file stands: only the error list fails
@@ -96,6 +121,7 @@ public:
     int errorsShown = 0;
     bool statsJson = false;
     std::string statistics;
+    scene::StageTimes* stageTimes = nullptr;
 };
 
 // A configuration directory for one run: the user's settings with the overrides applied, and the
@@ -212,6 +238,7 @@ int main(int argc, char** argv) {
     std::string configDir;
     bool verbose = false;
     bool options = false;
+    bool timings = false;
     std::vector<std::string> overrides;
     std::string stats = "text";
     std::string checkSource;
@@ -221,6 +248,8 @@ int main(int argc, char** argv) {
         "--plugcfg", configDir,
         "The plug-in configuration directory with nqfexp.cfg and aux_func.lua (default: per user)");
     app.add_flag("--verbose", verbose, "Progress as plain lines");
+    app.add_flag("--timings", timings,
+                 "Print the time of each stage to stderr: load, walk, optimisation, write, finish");
     app.add_flag("--options", options, "Open the options dialog over the settings file and exit");
     app.add_option("--set", overrides, "Change a setting for this run only: NAME=VALUE (repeatable)")
         ->type_name("NAME=VALUE");
@@ -266,6 +295,8 @@ int main(int argc, char** argv) {
 #endif
     }
 
+    scene::StageTimes stageTimes;
+    stageTimes.begin("load");
     std::unique_ptr<scene::Scene> scene;
     try {
         scene = scene::loadScene(scenePath);
@@ -316,6 +347,7 @@ int main(int argc, char** argv) {
     hostOptions.plugCfgDir = overrides.empty() ? configDir : runConfig.path().string();
     ExportHost ip(*scene, hostOptions);
     ip.statsJson = stats == "json";
+    ip.stageTimes = timings ? &stageTimes : nullptr;
     host::SetCOREInterface(&ip);
 
     std::error_code error;
@@ -328,6 +360,12 @@ int main(int argc, char** argv) {
     runningHost = nullptr;
     exporter.reset();
     host::SetCOREInterface(nullptr);
+    if (timings) {
+        // The scene's release belongs to the run's cost too.
+        scene.reset();
+        stageTimes.end();
+        std::cerr << stageTimes.report();
+    }
 
     if (result == 0) {
         std::cerr << "nqfexport: the exporter refused to start: an export is already running\n";

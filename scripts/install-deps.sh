@@ -10,6 +10,7 @@ packages=(
     libcli11-dev libsimdjson-dev
     qt6-base-dev
     clang libclang-rt-14-dev
+    gltfpack
 )
 
 missing=()

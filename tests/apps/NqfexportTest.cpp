@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <regex>
 #include <variant>
 
 #include "exporter/UserSettings.h"
@@ -330,6 +331,34 @@ TEST_F(Nqfexport, MeshesBecomeOneRenderNodePerUsedSubMaterial) {
         EXPECT_EQ(body.indices.values.size(), 12u);
     }
     EXPECT_NE(r.err.find("nRenderNodes: 2"), std::string::npos) << r.err;
+}
+
+TEST_F(Nqfexport, TimingsNameEachStageInOrderAndOnlyWhenAsked) {
+    const fs::path out = dir / "hull.nqf";
+    const Outcome quiet = run(scene("meshes.json") + " -o " + out.string());
+    ASSERT_EQ(quiet.status, 0) << quiet.err;
+    EXPECT_EQ(quiet.err.find("time of"), std::string::npos) << quiet.err;
+
+    const Outcome r = run(scene("meshes.json") + " -o " + out.string() + " --timings");
+    ASSERT_EQ(r.status, 0) << r.err;
+    const std::regex line(R"(time of ([a-z ]+): ([0-9]+\.[0-9]{3}) s wall, ([0-9]+\.[0-9]{3}) s CPU)");
+    std::vector<std::string> names;
+    double sumCpu = 0;
+    double totalCpu = -1;
+    for (std::sregex_iterator it(r.err.begin(), r.err.end(), line), end; it != end; ++it) {
+        names.push_back((*it)[1]);
+        const double cpu = std::stod((*it)[3]);
+        if (names.back() == "all stages") {
+            totalCpu = cpu;
+        } else {
+            sumCpu += cpu;
+        }
+    }
+    EXPECT_EQ(names,
+              (std::vector<std::string>{"load", "walk", "optimisation", "write", "finish", "all stages"}))
+        << r.err;
+    // The total is the sum of the printed stages, give or take their rounding.
+    EXPECT_NEAR(totalCpu, sumCpu, 0.003);
 }
 
 TEST_F(Nqfexport, MeshFaultsAreReportedAndKeepTheFileAway) {
