@@ -166,6 +166,9 @@ model::Ptr<model::BaseMeshRenderNode> exportRenderNode(const MeshContext& contex
     const int corners[2][3] = {{0, 1, 2}, {2, 1, 0}};
     std::vector<VertexRecord> records;
     std::vector<std::uint32_t> indices;
+    const std::size_t cornerCount = count == 1 ? mesh.faces.size() * 3 : 0;
+    records.reserve(cornerCount);
+    indices.reserve(cornerCount);
     for (int f = 0; f < mesh.getNumFaces(); ++f) {
         const host::Face& face = mesh.faces[static_cast<std::size_t>(f)];
         if (face.getMatID() % count != index) {

@@ -2,20 +2,16 @@
 
 #include <bit>
 #include <cstring>
-#include <unordered_set>
 
 namespace exporter {
 namespace {
 
-// FNV-1a over 32-bit words.
+// A hash over 32-bit words that takes a whole word a step: each word is mixed in with a multiply
+// and a rotation, and the end folds the high bits down, where the table takes its slot from the
+// low ones.
 class WordHash {
 public:
-    void add(std::uint32_t word) {
-        for (int i = 0; i < 4; ++i) {
-            h_ ^= (word >> (8 * i)) & 0xFFu;
-            h_ *= 0x100000001B3ull;
-        }
-    }
+    void add(std::uint32_t word) { h_ = std::rotl((h_ ^ word) * 0x9E3779B97F4A7C15ull, 27); }
     void add(float f) { add(std::bit_cast<std::uint32_t>(f)); }
     template <std::size_t N>
     void add(const std::array<float, N>& values) {
@@ -23,7 +19,10 @@ public:
             add(f);
         }
     }
-    std::size_t value() const { return static_cast<std::size_t>(h_); }
+    std::size_t value() const {
+        std::uint64_t h = h_ * 0xFF51AFD7ED558CCDull;
+        return static_cast<std::size_t>(h ^ (h >> 32));
+    }
 
 private:
     std::uint64_t h_ = 0xCBF29CE484222325ull;
@@ -71,19 +70,32 @@ std::size_t hashBits(const VertexRecord& record) {
 
 std::vector<std::uint32_t> weldRecords(std::vector<VertexRecord>& records,
                                        std::vector<std::uint32_t>& indices) {
-    // The set holds the numbers of the first record of each kind; a later equal record finds it.
-    auto hash = [&](std::uint32_t i) { return hashBits(records[i]); };
-    auto equal = [&](std::uint32_t a, std::uint32_t b) { return sameBits(records[a], records[b]); };
-    std::unordered_set<std::uint32_t, decltype(hash), decltype(equal)> firsts(records.size(), hash, equal);
+    // An open-addressed table of the first record of each kind, with its hash beside it so that
+    // most probes of a different record stop at the hash. It holds at most half its slots.
+    constexpr std::uint32_t kEmpty = 0xFFFFFFFFu;
+    std::size_t capacity = 16;
+    while (capacity < records.size() * 2) {
+        capacity *= 2;
+    }
+    const std::size_t mask = capacity - 1;
+    std::vector<std::uint32_t> slots(capacity, kEmpty);
+    std::vector<std::size_t> slotHashes(capacity);
     std::vector<std::uint32_t> remap(records.size());
     std::vector<std::uint32_t> keep;
     for (std::uint32_t i = 0; i < records.size(); ++i) {
-        auto [it, inserted] = firsts.insert(i);
-        if (inserted) {
+        const std::size_t hash = hashBits(records[i]);
+        std::size_t slot = hash & mask;
+        while (slots[slot] != kEmpty &&
+               !(slotHashes[slot] == hash && sameBits(records[slots[slot]], records[i]))) {
+            slot = (slot + 1) & mask;
+        }
+        if (slots[slot] == kEmpty) {
+            slots[slot] = i;
+            slotHashes[slot] = hash;
             remap[i] = static_cast<std::uint32_t>(keep.size());
             keep.push_back(i);
         } else {
-            remap[i] = remap[*it];
+            remap[i] = remap[slots[slot]];
         }
     }
     std::vector<VertexRecord> welded;

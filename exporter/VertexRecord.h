@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <vector>
 
+#include <boost/container/small_vector.hpp>
+
 namespace exporter {
 
 struct VertexRecord {
@@ -14,8 +16,10 @@ struct VertexRecord {
     std::array<float, 3> normal{};
     std::array<float, 3> morphNormal{};
     std::uint32_t smoothingGroup = 0;
-    // One (u, v) pair for each map channel of the material, in the material's order.
-    std::vector<std::array<float, 2>> texCoords;
+    // One (u, v) pair for each map channel of the material, in the material's order. Most
+    // materials have one or two channels, which then live in the record itself: a mesh has
+    // millions of corners, and a heap block for each would cost more than the rest of the record.
+    boost::container::small_vector<std::array<float, 2>, 2> texCoords;
     std::array<float, 4> boneWeights{};
     // Four bone numbers, one byte each.
     std::uint32_t boneIndices = 0;
