@@ -109,6 +109,11 @@ Status NativeDriver::readFile(const std::string& path, std::vector<std::uint8_t>
 }
 
 Status NativeDriver::writeFile(const std::string& path, const void* data, std::size_t size) {
+    const Piece whole(static_cast<const std::uint8_t*>(data), size);
+    return writeFilePieces(path, std::span(&whole, 1));
+}
+
+Status NativeDriver::writeFilePieces(const std::string& path, std::span<const Piece> pieces) {
     const std::string target = nativePath(path);
     const std::size_t slash = target.rfind('/');
     const std::string dir = slash == std::string::npos ? "." : slash == 0 ? "/" : target.substr(0, slash);
@@ -142,8 +147,10 @@ Status NativeDriver::writeFile(const std::string& path, const void* data, std::s
     if (::stat(target.c_str(), &previous) == 0 && S_ISREG(previous.st_mode)) {
         ::fchmod(out.fd, previous.st_mode & 07777);
     }
-    if (!writeAll(out.fd, static_cast<const std::uint8_t*>(data), size)) {
-        return fail("can't write", errno);
+    for (const Piece& piece : pieces) {
+        if (!writeAll(out.fd, piece.data(), piece.size())) {
+            return fail("can't write", errno);
+        }
     }
     if (::fsync(out.fd) != 0) {
         return fail("can't flush", errno);

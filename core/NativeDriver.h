@@ -16,6 +16,8 @@ public:
     // Writes to a temporary file in the target's directory, flushes it to the disk and renames it
     // over the target. On any failure the temporary file is removed and the target is untouched.
     Status writeFile(const std::string& path, const void* data, std::size_t size) override;
+    // The same, with the pieces written one after the other into the temporary file.
+    Status writeFilePieces(const std::string& path, std::span<const Piece> pieces) override;
 
 private:
     std::string nativePath(const std::string& path) const;

@@ -145,15 +145,35 @@ void unmountAll() {
     t.mounts.clear();
 }
 
-Status writeFile(std::string_view path, const void* data, std::size_t size) {
+Status IDriver::writeFilePieces(const std::string& path, std::span<const Piece> pieces) {
+    std::vector<std::uint8_t> whole;
+    for (const Piece& piece : pieces) {
+        whole.insert(whole.end(), piece.begin(), piece.end());
+    }
+    return writeFile(path, whole.data(), whole.size());
+}
+
+namespace {
+
+// The driver and its path for a file to be written, or why there is none.
+Resolved resolveForWrite(std::string_view path) {
     Resolved r = resolve(path);
-    if (!r.status) {
-        return r.status;
+    if (r.status && r.path.empty()) {
+        r.status = Status::failure(fmt::format("'{}': a mount point is not a file", path));
     }
-    if (r.path.empty()) {
-        return Status::failure(fmt::format("'{}': a mount point is not a file", path));
-    }
-    return r.driver->writeFile(r.path, data, size);
+    return r;
+}
+
+}  // namespace
+
+Status writeFile(std::string_view path, const void* data, std::size_t size) {
+    Resolved r = resolveForWrite(path);
+    return r.status ? r.driver->writeFile(r.path, data, size) : r.status;
+}
+
+Status writeFilePieces(std::string_view path, std::span<const Piece> pieces) {
+    Resolved r = resolveForWrite(path);
+    return r.status ? r.driver->writeFilePieces(r.path, pieces) : r.status;
 }
 
 Status readFile(std::string_view path, std::vector<std::uint8_t>& out) {

@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,6 +29,9 @@ struct Status {
     static Status failure(std::string reason) { return Status{std::move(reason)}; }
 };
 
+// One piece of a file that is written in pieces, one after the other.
+using Piece = std::span<const std::uint8_t>;
+
 // A file system behind a mount. Paths handed to a driver are relative to its mount point, with
 // "/" separators and no "." or ".." components.
 class IDriver {
@@ -35,6 +39,9 @@ public:
     virtual ~IDriver() = default;
     virtual Status readFile(const std::string& path, std::vector<std::uint8_t>& out) = 0;
     virtual Status writeFile(const std::string& path, const void* data, std::size_t size) = 0;
+    // Writes the pieces one after the other as one file, as atomically as writeFile. By default
+    // they are joined in memory and handed to writeFile.
+    virtual Status writeFilePieces(const std::string& path, std::span<const Piece> pieces);
 };
 
 // Mounts a driver at a virtual prefix such as "/" or "/models". Mounting at a prefix that is
@@ -49,6 +56,9 @@ void unmountAll();
 
 // Writes the whole buffer as the file at `path`, replacing any previous file atomically.
 Status writeFile(std::string_view path, const void* data, std::size_t size);
+// Writes the pieces one after the other as the file at `path`, like writeFile; a large file made
+// of a head and a body need not be joined in memory first.
+Status writeFilePieces(std::string_view path, std::span<const Piece> pieces);
 // Reads the whole file at `path` into `out` (replacing its content).
 Status readFile(std::string_view path, std::vector<std::uint8_t>& out);
 

@@ -1,11 +1,14 @@
 #include "model/io/ClassWriter10.h"
 
 #include <algorithm>
+#include <functional>
 #include <utility>
 
+#include "core/ExtException.h"
 #include "model/Node.h"
 #include "model/RootNode.h"
 #include "model/io/FileSizeEstimate.h"
+#include "model/io/TreeNodeIndex.h"
 
 namespace model {
 
@@ -18,6 +21,8 @@ constexpr std::uint32_t kNoParent = 0xFFFFFFFFu;
 struct TreeOrder {
     std::vector<Node*> nodes;
     std::vector<std::uint32_t> parents;
+    // The tree's share of the file, counted while each node is at hand.
+    FileEstimate estimate;
 };
 
 TreeOrder treeOrder(const Ptr<Node>& tree, std::uint32_t topParent) {
@@ -32,6 +37,7 @@ TreeOrder treeOrder(const Ptr<Node>& tree, std::uint32_t topParent) {
         const auto index = static_cast<std::uint32_t>(order.nodes.size());
         order.nodes.push_back(node);
         order.parents.push_back(parent);
+        addTreeNode(order.estimate, *node);
         // Children go on the stack last first, so the first child is taken next.
         const std::size_t first = stack.size();
         for (Node* child = node->firstChild().get(); child; child = child->nextSibling().get()) {
@@ -42,9 +48,11 @@ TreeOrder treeOrder(const Ptr<Node>& tree, std::uint32_t topParent) {
     return order;
 }
 
-// Group names in file order; an empty group is left out altogether.
+// Group names in file order; an empty group is left out altogether. Each node's arguments go to
+// `noteArgument` as its record is written.
 template <class List>
-void writeGroup(MemBinaryFileW& file, NodeWriter10& writer, const char* name, const List& list) {
+void writeGroup(MemBinaryFileW& file, NodeWriter10& writer, const char* name, const List& list,
+                const std::function<void(std::uint32_t)>& noteArgument) {
     if (list.empty()) {
         return;
     }
@@ -52,6 +60,13 @@ void writeGroup(MemBinaryFileW& file, NodeWriter10& writer, const char* name, co
     file.writeU32(static_cast<std::uint32_t>(list.size()));
     for (const auto& node : list) {
         node->accept(writer);
+        node->forEachArgument(noteArgument);
+    }
+}
+
+void putU32(unsigned char* at, std::uint32_t value) {
+    for (std::size_t i = 0; i < 4; ++i) {
+        at[i] = static_cast<unsigned char>(value >> (8 * i));
     }
 }
 
@@ -80,28 +95,56 @@ void ClassWriter10::saveTransformNodesConnections(const Ptr<Node>& tree, const N
     }
 }
 
-void ClassWriter10::save(RootNode& root, std::vector<unsigned char>& out) {
+void ClassWriter10::writeRecords(RootNode& root) {
     root.collectMaterials();
     const Ptr<Node>& tree = root.rootNode();
     nodeIndices_.clear();
-    // A tree root that hangs under a node outside the tree has no index for its parent.
-    const Ptr<Node>* outside = tree ? &tree->parent() : nullptr;
-    const TreeOrder order =
-        treeOrder(tree, outside && *outside ? nodeIndices_.at(outside->get()) : kNoParent);
-    nodeIndices_.reserve(order.nodes.size());
-    for (std::size_t i = 0; i < order.nodes.size(); ++i) {
-        nodeIndices_.emplace(order.nodes[i], static_cast<std::uint32_t>(i));
+    if (tree && tree->parent()) {
+        // A tree root that hangs under a node outside the tree has no index for its parent.
+        throw nq::ExtException("invalid unordered_map<K, T> key");
     }
-    file_.reserve(estimateFileSize(root, order.nodes));
+    const TreeOrder order = treeOrder(tree, kNoParent);
+
+    // Only the tree nodes that the lists link to are ever looked up by index.
+    TreeNodeIndex index(order.nodes);
+    auto expectLinks = [&](const auto& list) {
+        for (const auto& node : list) {
+            for (std::uint32_t i = 0, n = node->linkCount(); i < n; ++i) {
+                index.expect(node->link(i).get());
+            }
+        }
+    };
+    expectLinks(root.connectors());
+    expectLinks(root.shellNodes());
+    expectLinks(root.lightNodes());
+    expectLinks(root.renderNodes());
+    index.fill();
+    NodeWriter10 writer(file_, index);
+    writer.countHandlesLater();
+
+    const FileEstimate estimate = estimateFile(root, order.estimate);
+    file_.reserve(estimate.bytes);
+    file_.strings().reserve(estimate.strings);
 
     file_.write("NQF", 3);
     file_.writeU16(version());
     file_.writeU64(0);
 
-    root.accept(nodeWriter_);
+    root.accept(writer);
+    // The handle count closes the root record; it is counted below, while each node's data is
+    // in the cache for its record anyway, and written over the placeholder at the end.
+    const std::uint64_t handleCountAt = file_.tell() - 4;
+    bool anyArgument = false;
+    std::uint32_t highest = 0;
+    const std::function<void(std::uint32_t)> noteArgument = [&](std::uint32_t argument) {
+        highest = anyArgument && highest > argument ? highest : argument;
+        anyArgument = true;
+    };
+
     file_.writeU32(static_cast<std::uint32_t>(order.nodes.size()));
     for (Node* node : order.nodes) {
-        node->accept(nodeWriter_);
+        node->accept(writer);
+        node->forEachArgument(noteArgument);
     }
     // The parent table in one block: on a little-endian host the array is already the file's bytes.
     file_.write(order.parents.data(), order.parents.size() * sizeof(std::uint32_t));
@@ -109,24 +152,48 @@ void ClassWriter10::save(RootNode& root, std::vector<unsigned char>& out) {
     std::uint32_t groupCount = (root.connectors().empty() ? 0 : 1) + (root.shellNodes().empty() ? 0 : 1) +
                                (root.lightNodes().empty() ? 0 : 1) + (root.renderNodes().empty() ? 0 : 1);
     file_.writeU32(groupCount);
-    writeGroup(file_, nodeWriter_, "CONNECTORS", root.connectors());
-    writeGroup(file_, nodeWriter_, "SHELL_NODES", root.shellNodes());
-    writeGroup(file_, nodeWriter_, "LIGHT_NODES", root.lightNodes());
-    writeGroup(file_, nodeWriter_, "RENDER_NODES", root.renderNodes());
+    writeGroup(file_, writer, "CONNECTORS", root.connectors(), noteArgument);
+    writeGroup(file_, writer, "SHELL_NODES", root.shellNodes(), noteArgument);
+    writeGroup(file_, writer, "LIGHT_NODES", root.lightNodes(), noteArgument);
+    writeGroup(file_, writer, "RENDER_NODES", root.renderNodes(), noteArgument);
 
-    // The string table is complete only now. It belongs at offset 5, with its size in front, and
-    // everything written from there on moves back to make room. The buffer was reserved with
-    // room to spare, so this moves the bytes within it; the buffer then becomes the output.
+    putU32(file_.buffer().data() + handleCountAt, anyArgument ? highest + 1 : 0);
+}
+
+void ClassWriter10::save(RootNode& root, std::vector<unsigned char>& out) {
+    writeRecords(root);
+    // The string table belongs at offset 5, with its size in front, and everything written from
+    // there on moves back to make room. The buffer was reserved with room to spare, so this moves
+    // the bytes within it; the buffer then becomes the output.
     std::vector<unsigned char>& buffer = file_.buffer();
     const StringPool& strings = file_.strings();
     const auto tableSize = static_cast<std::uint32_t>(strings.tableSize());
     buffer.insert(buffer.begin() + 5, 4 + std::size_t{tableSize}, 0);
-    for (int i = 0; i < 4; ++i) {
-        buffer[5 + static_cast<std::size_t>(i)] = static_cast<unsigned char>(tableSize >> (8 * i));
-    }
+    putU32(buffer.data() + 5, tableSize);
     strings.flattenInto(buffer.data() + 9);
     out = std::move(buffer);
     buffer.clear();
+}
+
+FilePieces ClassWriter10::savePieces(RootNode& root) {
+    writeRecords(root);
+    const std::vector<unsigned char>& buffer = file_.buffer();
+    const StringPool& strings = file_.strings();
+    const auto tableSize = static_cast<std::uint32_t>(strings.tableSize());
+    FilePieces file;
+    file.owned.resize(9 + std::size_t{tableSize});
+    std::copy(buffer.begin(), buffer.begin() + 5, file.owned.begin());
+    putU32(file.owned.data() + 5, tableSize);
+    strings.flattenInto(file.owned.data() + 9);
+    file.pieces = {file.owned, std::span(buffer).subspan(5)};
+    return file;
+}
+
+FilePieces IClassWriter::savePieces(RootNode& root) {
+    FilePieces file;
+    save(root, file.owned);
+    file.pieces = {file.owned};
+    return file;
 }
 
 std::unique_ptr<IClassWriter> createClassWriter(std::uint16_t version) {

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "model/IObject.h"
@@ -14,12 +15,22 @@ namespace model {
 
 class RootNode;
 
+// A file as pieces of bytes to be written one after the other. A piece points either into
+// `owned` or into the writer that made it, and stays valid while both live.
+struct FilePieces {
+    std::vector<unsigned char> owned;
+    std::vector<std::span<const unsigned char>> pieces;
+};
+
 class IClassWriter {
 public:
     virtual ~IClassWriter() = default;
     // Writes the whole file of root into out.
     virtual void save(RootNode& root, std::vector<unsigned char>& out) = 0;
     virtual std::uint16_t version() const = 0;
+    // The file of root as pieces, so that a large file need not be joined in memory before it is
+    // written. By default the whole file is one piece.
+    virtual FilePieces savePieces(RootNode& root);
 };
 
 class ClassWriter10 : public IClassWriter {
@@ -27,12 +38,19 @@ public:
     ClassWriter10() : nodeWriter_(file_, nodeIndices_) {}
     void save(RootNode& root, std::vector<unsigned char>& out) override;
     std::uint16_t version() const override { return 10; }
+    // Two pieces: the head with the string table, then everything behind it as it stands in the
+    // writer's buffer, which is never moved to make room for the table.
+    FilePieces savePieces(RootNode& root) override;
 
     void saveTransformNodes(const Ptr<Node>& tree);
     static void saveTransformNodesConnections(const Ptr<Node>& tree, const NodeIndexMap& nodeIndices,
                                               io::IBinaryFileW& file);
 
 private:
+    // Writes every record into the buffer, with nothing yet between the version and the
+    // reserved word: the string table is complete only at the end.
+    void writeRecords(RootNode& root);
+
     NodeIndexMap nodeIndices_;
     MemBinaryFileW file_;
     NodeWriter10 nodeWriter_;

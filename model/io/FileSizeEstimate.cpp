@@ -16,6 +16,8 @@ namespace {
 // node's fixed fields (matrices, boxes) and its share of the string table.
 constexpr std::uint64_t kRecordBytes = 384;
 constexpr std::uint64_t kPropertyBytes = 64;
+// The keys of a material record, its names, texture names and uniform names.
+constexpr std::uint64_t kMaterialStrings = 64;
 
 std::uint64_t vertexBytes(const Vertices& vertices) {
     std::uint64_t floats = 0;
@@ -42,6 +44,15 @@ std::uint64_t listNodeBytes(const BaseNode& node) {
 }
 
 template <class List>
+std::uint64_t listProperties(const List& list) {
+    std::uint64_t count = 0;
+    for (const auto& node : list) {
+        count += node->properties.size();
+    }
+    return count;
+}
+
+template <class List>
 std::uint64_t listBytes(const List& list) {
     std::uint64_t bytes = 0;
     for (const auto& node : list) {
@@ -52,15 +63,21 @@ std::uint64_t listBytes(const List& list) {
 
 }  // namespace
 
-std::uint64_t estimateFileSize(const RootNode& root, const std::vector<Node*>& treeNodes) {
+void addTreeNode(FileEstimate& estimate, const Node& node) {
+    estimate.bytes += recordBytes(node.name, node.properties) + 4;
+    estimate.strings += node.properties.size();
+}
+
+FileEstimate estimateFile(const RootNode& root, const FileEstimate& tree) {
     // The head, the root record with its boxes, and the materials' records and keys.
-    std::uint64_t bytes = 4096 + recordBytes(root.name, root.properties) + 2048 * root.materials.size();
-    for (const Node* node : treeNodes) {
-        bytes += recordBytes(node->name, node->properties) + 4;
-    }
-    bytes += listBytes(root.connectors()) + listBytes(root.shellNodes()) + listBytes(root.lightNodes()) +
-             listBytes(root.renderNodes());
-    return bytes;
+    FileEstimate estimate = tree;
+    estimate.bytes += 4096 + recordBytes(root.name, root.properties) + 2048 * root.materials.size();
+    estimate.strings += 64 + root.properties.size() + kMaterialStrings * root.materials.size();
+    estimate.bytes += listBytes(root.connectors()) + listBytes(root.shellNodes()) +
+                      listBytes(root.lightNodes()) + listBytes(root.renderNodes());
+    estimate.strings += listProperties(root.connectors()) + listProperties(root.shellNodes()) +
+                        listProperties(root.lightNodes()) + listProperties(root.renderNodes());
+    return estimate;
 }
 
 }  // namespace model

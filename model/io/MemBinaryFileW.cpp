@@ -1,6 +1,7 @@
 #include "model/io/MemBinaryFileW.h"
 
 #include <cstdint>
+#include <cstring>
 
 #if defined(__linux__)
 #include <sys/mman.h>
@@ -44,7 +45,12 @@ std::size_t MemBinaryFileW::write(const void* data, std::size_t size) {
 
 void MemBinaryFileW::writeString(std::string_view text) {
     text = text.substr(0, text.find('\0'));
-    writeU32(strings_.internOrdinal(text));
+    RecentText& recent = recent_[(reinterpret_cast<std::uintptr_t>(text.data()) >> 3) % recent_.size()];
+    if (recent.data != text.data() || recent.size != text.size() || text.empty() ||
+        std::memcmp(strings_.index()[recent.ordinal], text.data(), text.size()) != 0) {
+        recent = RecentText{text.data(), text.size(), strings_.internOrdinal(text)};
+    }
+    writeU32(recent.ordinal);
 }
 
 }  // namespace model

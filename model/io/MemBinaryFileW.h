@@ -3,6 +3,7 @@
 // seeking back and writing makes room, which is how the string table and the material entry
 // counts get in front of data written before them.
 
+#include <array>
 #include <cstdint>
 #include <vector>
 
@@ -37,6 +38,16 @@ private:
     std::vector<unsigned char> buffer_;
     std::uint64_t position_ = 0;
     StringPool strings_{4096};
+
+    // Texts written lately, by the address of their characters. Class names and keys come from
+    // the same constant each time; a match is checked against the stored text (an address may
+    // be reused for other characters) and saves the hash and the probe.
+    struct RecentText {
+        const char* data = nullptr;
+        std::size_t size = 0;
+        std::uint32_t ordinal = 0;
+    };
+    std::array<RecentText, 16> recent_{};
 };
 
 }  // namespace model

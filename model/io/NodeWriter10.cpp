@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <optional>
+
 #include "core/ExtException.h"
 #include "model/AnimatedFakeLights.h"
 #include "model/ArgAnimatedBone.h"
@@ -26,6 +28,7 @@
 #include "model/SkinNode.h"
 #include "model/TransformNode.h"
 #include "model/io/MaterialWriter10.h"
+#include "model/io/TreeNodeIndex.h"
 
 namespace model {
 
@@ -90,12 +93,17 @@ void NodeWriter10::writeShell(const BaseShellNode& node) {
 }
 
 void NodeWriter10::writeNodeIndex(const Ptr<Node>& node) {
-    auto it = nodeIndices_.find(node.get());
-    if (it == nodeIndices_.end()) {
+    std::optional<std::uint32_t> index;
+    if (treeIndex_) {
+        index = treeIndex_->find(node.get());
+    } else if (auto it = nodeIndices_->find(node.get()); it != nodeIndices_->end()) {
+        index = it->second;
+    }
+    if (!index) {
         // A link to a node that is not in the tree being written.
         throw nq::ExtException("invalid unordered_map<K, T> key");
     }
-    file_.writeU32(it->second);
+    file_.writeU32(*index);
 }
 
 void NodeWriter10::writeSkinBones(const SkinData& skin) {
@@ -244,7 +252,7 @@ void NodeWriter10::visit(const RootNode& node) {
         writeMaterial(file_, *set);
     }
     file_.writeU32(0);
-    file_.writeU32(root.calcNumHandles());
+    file_.writeU32(countHandlesLater_ ? 0 : root.calcNumHandles());
 }
 
 void NodeWriter10::visit(const Connector& node) {

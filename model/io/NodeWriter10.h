@@ -23,10 +23,18 @@ class AnimatedFakeLights;
 // Pre-order index of every node of the transform tree.
 using NodeIndexMap = std::unordered_map<const Node*, std::uint32_t>;
 
+class TreeNodeIndex;
+
 class NodeWriter10 : public INodeVisitor {
 public:
     NodeWriter10(io::IBinaryFileW& file, const NodeIndexMap& nodeIndices)
-        : file_(file), nodeIndices_(nodeIndices) {}
+        : file_(file), nodeIndices_(&nodeIndices) {}
+    // Looks tree nodes up in a flat index made for one save instead of a map of the whole tree.
+    NodeWriter10(io::IBinaryFileW& file, TreeNodeIndex& treeIndex) : file_(file), treeIndex_(&treeIndex) {}
+
+    // The root record then gets 0 in place of its handle count: the caller counts the handles
+    // while the nodes pass by anyway and writes the count over the placeholder at the end.
+    void countHandlesLater() { countHandlesLater_ = true; }
 
     void visit(const RootNode& node) override;
     void visit(const Connector& node) override;
@@ -69,7 +77,9 @@ private:
     void writeAnimatedTail(const AnimatedFakeLights<T>& node, const char* className);
 
     io::IBinaryFileW& file_;
-    const NodeIndexMap& nodeIndices_;
+    const NodeIndexMap* nodeIndices_ = nullptr;
+    TreeNodeIndex* treeIndex_ = nullptr;
+    bool countHandlesLater_ = false;
 };
 
 }  // namespace model

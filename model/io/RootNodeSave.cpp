@@ -14,9 +14,9 @@ void RootNode::save(const std::string& path, std::uint16_t version) {
     if (!writer) {
         throw nq::ExtException(fmt::format("Unsupported version {}", version));
     }
-    std::vector<unsigned char> bytes;
-    writer->save(*this, bytes);
-    if (!nqvfs::writeFile(path, bytes.data(), bytes.size())) {
+    // The pieces go to the file one after the other, so the file is never joined in memory.
+    const FilePieces file = writer->savePieces(*this);
+    if (!nqvfs::writeFilePieces(path, file.pieces)) {
         throw nq::ExtException("Can't write to file " + path);
     }
 }

@@ -1,6 +1,7 @@
 #include "model/io/StringPool.h"
 
 #include <cstring>
+#include <functional>
 
 namespace model {
 
@@ -8,6 +9,11 @@ std::size_t StringPool::home(std::uint64_t hash) const {
     // The top bits of a multiplicative mix: texts that differ only in their last characters
     // (names with running numbers) still spread over the whole array.
     return static_cast<std::size_t>((hash * 0x9E3779B97F4A7C15ull) >> (64 - slotBits_));
+}
+
+std::uint64_t StringPool::hashOf(std::string_view text) {
+    // The library's string hash takes eight bytes a step; short names cost a few cycles.
+    return std::hash<std::string_view>{}(text);
 }
 
 std::size_t StringPool::find(std::string_view text, std::uint64_t hash) const {
@@ -22,9 +28,20 @@ std::size_t StringPool::find(std::string_view text, std::uint64_t hash) const {
     }
 }
 
-void StringPool::grow() {
+void StringPool::reserve(std::size_t count) {
+    index_.reserve(count);
+    int bits = slotBits_ == 0 ? 10 : slotBits_;
+    while ((std::size_t{1} << bits) < 2 * count) {
+        ++bits;
+    }
+    if (bits != slotBits_) {
+        rebuild(bits);
+    }
+}
+
+void StringPool::rebuild(int slotBits) {
     std::vector<Slot> old = std::move(slots_);
-    slotBits_ = old.empty() ? 10 : slotBits_ + 1;
+    slotBits_ = slotBits;
     slots_.assign(std::size_t{1} << slotBits_, Slot{});
     const std::size_t mask = slots_.size() - 1;
     for (const Slot& slot : old) {
@@ -40,9 +57,9 @@ void StringPool::grow() {
 
 std::uint32_t StringPool::internOrdinal(std::string_view text) {
     if (2 * (index_.size() + 1) > slots_.size()) {
-        grow();
+        rebuild(slots_.empty() ? 10 : slotBits_ + 1);
     }
-    const std::uint64_t hash = nq::fnv1a64(text);
+    const std::uint64_t hash = hashOf(text);
     Slot& slot = slots_[find(text, hash)];
     if (slot.ordinal != kEmpty) {
         return slot.ordinal;
@@ -76,7 +93,7 @@ std::uint32_t StringPool::ordinal(std::string_view text) const {
     if (slots_.empty()) {
         return kEmpty;
     }
-    return slots_[find(text, nq::fnv1a64(text))].ordinal;
+    return slots_[find(text, hashOf(text))].ordinal;
 }
 
 std::vector<char> StringPool::flatten() const {

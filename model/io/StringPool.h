@@ -11,8 +11,6 @@
 #include <string_view>
 #include <vector>
 
-#include "core/Fnv1a.h"
-
 namespace model {
 
 struct StringPage {
@@ -33,6 +31,10 @@ public:
     std::uint32_t internOrdinal(std::string_view text);
     // Ordinal of an interned text in order of first use, or 0xFFFFFFFF if it was never interned.
     std::uint32_t ordinal(std::string_view text) const;
+
+    // Sizes the index for `count` distinct texts at once, so that interning that many never
+    // rebuilds it. Interning more still works; the index then grows as usual.
+    void reserve(std::size_t count);
 
     // The table as it stands in the file: the used bytes of each page, in page order.
     std::vector<char> flatten() const;
@@ -61,7 +63,8 @@ private:
     // The position of the slot that holds the text, or of the empty slot where it would go.
     std::size_t find(std::string_view text, std::uint64_t hash) const;
     std::size_t home(std::uint64_t hash) const;
-    void grow();
+    static std::uint64_t hashOf(std::string_view text);
+    void rebuild(int slotBits);
 
     std::uint64_t tableSize_ = 0;
     // A power of two in size, at most half full. Page buffers never move once made, so the

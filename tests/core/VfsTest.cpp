@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
+#include <memory>
 #include <string>
 
 #include "core/Vfs.h"
@@ -143,6 +145,46 @@ TEST_F(Vfs, ReadReportsMissingFilesAndDirectories) {
     EXPECT_FALSE(s);
     EXPECT_NE(s.error.find("Is a directory"), std::string::npos) << s.error;
     EXPECT_FALSE(nqvfs::readFile("", out));
+}
+
+// A driver that knows only whole-buffer writes: pieces reach it joined.
+class RecordingDriver : public nqvfs::IDriver {
+public:
+    nqvfs::Status readFile(const std::string&, std::vector<std::uint8_t>&) override {
+        return nqvfs::Status::failure("write only");
+    }
+    nqvfs::Status writeFile(const std::string& path, const void* data, std::size_t size) override {
+        written[path].assign(static_cast<const char*>(data), size);
+        return {};
+    }
+    std::map<std::string, std::string> written;
+};
+
+std::vector<nqvfs::Piece> piecesOf(const std::vector<std::string_view>& parts) {
+    std::vector<nqvfs::Piece> pieces;
+    for (std::string_view part : parts) {
+        pieces.emplace_back(reinterpret_cast<const std::uint8_t*>(part.data()), part.size());
+    }
+    return pieces;
+}
+
+TEST_F(Vfs, PiecesAreWrittenOneAfterTheOther) {
+    const std::vector<nqvfs::Piece> pieces = piecesOf({"NQF", "", std::string_view("\0\1", 2), "tail"});
+    nqvfs::mountNative("/out", dir.string());
+    ASSERT_TRUE(nqvfs::writeFilePieces("/out/p.nqf", pieces));
+    EXPECT_EQ(content(dir / "p.nqf"), std::string("NQF\0\1tail", 9));
+    EXPECT_EQ(entries(), std::vector<std::string>{"p.nqf"});
+
+    auto recording = std::make_shared<RecordingDriver>();
+    nqvfs::mount("/mem", recording);
+    ASSERT_TRUE(nqvfs::writeFilePieces("/mem/a/p.nqf", pieces));
+    EXPECT_EQ(recording->written["a/p.nqf"], std::string("NQF\0\1tail", 9));
+
+    // The same failures as a whole-buffer write, and no file.
+    EXPECT_FALSE(nqvfs::writeFilePieces("/elsewhere/p.nqf", pieces));
+    EXPECT_FALSE(nqvfs::writeFilePieces("/out", pieces));
+    EXPECT_FALSE(nqvfs::writeFilePieces("/out/missing/p.nqf", pieces));
+    EXPECT_EQ(entries(), std::vector<std::string>{"p.nqf"});
 }
 
 TEST_F(Vfs, RelativePathsAreNative) {

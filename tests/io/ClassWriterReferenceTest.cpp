@@ -69,6 +69,13 @@ std::vector<unsigned char> saveStepByStep(RootNode& root) {
 std::vector<unsigned char> save(RootNode& root) {
     std::vector<unsigned char> out;
     createClassWriter(10)->save(root, out);
+    // The pieces a file is written from must join to the same bytes.
+    std::unique_ptr<IClassWriter> writer = createClassWriter(10);
+    std::vector<unsigned char> joined;
+    for (std::span<const unsigned char> piece : writer->savePieces(root).pieces) {
+        joined.insert(joined.end(), piece.begin(), piece.end());
+    }
+    EXPECT_EQ(joined, out);
     return out;
 }
 
@@ -115,6 +122,11 @@ Ptr<RootNode> strainingModel(std::mt19937& rng) {
         auto render = createNodeAs<RenderNode>("model::RenderNode");
         render->name = "mesh" + std::to_string(r);
         render->links.push_back(RenderLink{nodes[static_cast<std::size_t>(pick(count))], 0xFFFFFFFFu});
+        if (pick(2) == 0) {
+            // Several links, one of them to a node another render node links to as well.
+            render->links.push_back(RenderLink{nodes[static_cast<std::size_t>(pick(count))], 7});
+            render->links.push_back(RenderLink{nodes.front(), 0xFFFFFFFFu});
+        }
         render->material = material;
         const std::size_t vertices = 600 + static_cast<std::size_t>(pick(2000));
         for (auto [semantic, size] :

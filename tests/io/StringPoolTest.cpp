@@ -46,6 +46,25 @@ TEST(MemBinaryFileW, WriteStringWritesTheOrdinalOfFirstUse) {
     EXPECT_EQ(std::string(table.begin(), table.end()), std::string("model::RootNode\0NAME\0", 21));
 }
 
+// The same characters at the same address are often the same constant, but a buffer may be
+// reused for other text: the ordinal must follow the characters, never the address.
+TEST(MemBinaryFileW, ReusedTextBufferWithNewCharactersIsANewString) {
+    MemBinaryFileW f;
+    std::string text = "model::Node";
+    f.writeString(text);
+    text[7] = 'M';
+    f.writeString(text);
+    text[7] = 'N';
+    f.writeString(text);
+    f.writeString(std::string_view(text).substr(0, 5));
+    f.writeString(std::string_view());
+    f.writeString("");
+    EXPECT_EQ(bytesOf(f), std::string("\0\0\0\0\1\0\0\0\0\0\0\0\2\0\0\0\3\0\0\0\3\0\0\0", 24));
+    std::vector<char> table = f.strings().flatten();
+    EXPECT_EQ(std::string(table.begin(), table.end()),
+              std::string("model::Node\0model::Mode\0model\0\0", 31));
+}
+
 TEST(StringPool, LongTextGetsAPageOfExactlyItsSizeAndTheNextStartsAnew) {
     StringPool pool(4096);
     pool.intern("short");
@@ -83,9 +102,14 @@ TEST(StringPool, OrdinalsSurviveTheIndexGrowing) {
     StringPool pool;
     EXPECT_EQ(pool.ordinal("anything"), 0xFFFFFFFFu);
     EXPECT_EQ(pool.tableSize(), 0u);
+    // Sized too small at first, then sized again while full: neither may lose a text.
+    pool.reserve(100);
     const std::uint32_t count = 20000;
     for (std::uint32_t i = 0; i < count; ++i) {
         ASSERT_EQ(pool.internOrdinal("name" + std::to_string(i)), i);
+        if (i == count / 2) {
+            pool.reserve(count);
+        }
     }
     EXPECT_EQ(pool.internOrdinal(""), count);
     for (std::uint32_t i = 0; i < count; i += 7) {
