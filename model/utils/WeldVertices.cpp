@@ -14,6 +14,10 @@ namespace {
 // The float of a vertex that carries the parent number and is compared by its bits.
 constexpr std::size_t kTagPosition = 3;
 
+// Meshes of at most this many vertices are welded by a sweep over their vertices sorted by the
+// first float; larger ones search a k-d tree. Both find the same matches.
+constexpr std::size_t kSweepLimit = 128;
+
 std::uint32_t dropUnused(Vertices& vertices, Indices& indices) {
     std::size_t count = vertices.vertexCount();
     std::vector<bool> used(count, false);
@@ -183,22 +187,57 @@ std::uint32_t weldVertices(Vertices& vertices, Indices& indices, float tolerance
             points.push_back(static_cast<std::uint32_t>(v));
         }
     }
-    KdTree tree(data.data(), stride, points);
-
     std::vector<bool> gone(count, false);
     std::vector<std::uint32_t> target(count);
     std::uint32_t welded = 0;
-    for (std::uint32_t v : points) {
-        if (gone[v]) {
-            continue;
+    auto weldInto = [&](std::uint32_t v, std::uint32_t w) {
+        if (w > v && !gone[w]) {
+            gone[w] = true;
+            target[w] = v;
+            ++welded;
         }
-        tree.forEachMatch(at(v), tolerance, [&](std::uint32_t w) {
-            if (w > v && !gone[w]) {
-                gone[w] = true;
-                target[w] = v;
-                ++welded;
-            }
+    };
+    if (points.size() <= kSweepLimit) {
+        // A small mesh sorts its vertices by their first float and compares each with those whose
+        // first float lies within the tolerance of its own, walking out from its place in the
+        // order: float differences grow monotonically away from it, so the walk stops at the
+        // first one out of reach. No tree is built; grids and other meshes with many equal
+        // coordinates would make a tree search both sides at most of its levels.
+        std::vector<std::uint32_t> order = points;
+        std::sort(order.begin(), order.end(), [&](std::uint32_t a, std::uint32_t b) {
+            return at(a)[0] < at(b)[0] || (at(a)[0] == at(b)[0] && a < b);
         });
+        std::vector<std::uint32_t> place(count);
+        for (std::size_t k = 0; k < order.size(); ++k) {
+            place[order[k]] = static_cast<std::uint32_t>(k);
+        }
+        for (std::uint32_t v : points) {
+            if (gone[v]) {
+                continue;
+            }
+            const float* query = at(v);
+            auto visit = [&](std::size_t k) {
+                const std::uint32_t w = order[k];
+                if (!(std::fabs(at(w)[0] - query[0]) <= tolerance)) {
+                    return false;
+                }
+                if (w > v && !gone[w] && weldMatch(query, at(w), stride, tolerance)) {
+                    weldInto(v, w);
+                }
+                return true;
+            };
+            for (std::size_t k = place[v] + 1; k < order.size() && visit(k); ++k) {
+            }
+            for (std::size_t k = place[v]; k > 0 && visit(k - 1); --k) {
+            }
+        }
+    } else {
+        KdTree tree(data.data(), stride, points);
+        for (std::uint32_t v : points) {
+            if (!gone[v]) {
+                tree.forEachMatch(at(v), tolerance, [&](std::uint32_t w) { weldInto(v, w); });
+            }
+        }
     }
     if (welded == 0) {
         return removed;
