@@ -76,8 +76,11 @@ void DocumentReader::readFields(element value, Read read) {
     // distinct keys as its reader knows; none knows more than this.
     std::array<std::string_view, 32> seen;
     std::size_t seenCount = 0;
+    // One step of the path for all fields, its key changed in place: documents have millions of
+    // fields, and the path grows and shrinks only once per object.
+    Step step(*this, {});
     for (simdjson::dom::key_value_pair field : object) {
-        Step step(*this, {field.key});
+        path_.back() = {field.key};
         for (std::size_t i = 0; i < seenCount; ++i) {
             if (seen[i] == field.key) {
                 fail("repeated field");
@@ -97,8 +100,9 @@ void DocumentReader::readArray(element value, Read read) {
         fail("expected an array");
     }
     std::size_t index = 0;
+    Step step(*this, {});
     for (element item : array) {
-        Step step(*this, {{}, index});
+        path_.back() = {{}, index};
         read(index, item);
         ++index;
     }
