@@ -14,6 +14,7 @@
 #include "host/HostServices.h"
 #include "model/Node.h"
 #include "model/ObjectRegistry.h"
+#include "model/utils/CheckMaterials.h"
 #include "model/utils/ModelBoxes.h"
 #include "model/utils/ModelStatistics.h"
 #include "model/utils/NumberNodeConverter.h"
@@ -196,8 +197,14 @@ int NQModelExporter::DoExport(const char* name, host::ExpInterface*, host::Inter
         path = name;
     }
 
-    // The material check runs here once it exists. The nodes left with zero normals are reported
-    // after the smoothing below, which is what makes most of them.
+    // Material faults that would stop the passes or the writer are listed now, all of them and
+    // with the node or material they concern. Each text is reported as it stands: a name with a
+    // per cent sign is not a format.
+    for (const std::string& fault : model::utils::checkMaterials(*rootNode)) {
+        reportText(fault);
+    }
+    // The nodes left with zero normals are reported after the smoothing below, which is what
+    // makes most of them.
 
     try {
         ip->ProgressStart("Optimizations...", false, progressCallback, nullptr);

@@ -60,10 +60,6 @@ void transformPoint(float* p, const nq::Matrixd& m) {
     }
 }
 
-bool isTriangleKind(std::uint32_t primitive) {
-    return primitive == kTriangleList || primitive == kTriangleStrip || primitive == kTriangleFan;
-}
-
 }  // namespace
 
 std::uint32_t vertexParentTag(const Vertices& vertices, std::size_t vertex) {
@@ -101,7 +97,7 @@ double uniformScale(const nq::Matrixd& m) {
     return std::sqrt(s2);
 }
 
-bool bakeTransform(Vertices& vertices, Indices& indices, std::uint32_t link, const nq::Matrixd& m) {
+bool bakeTransform(Vertices& vertices, std::uint32_t link, const nq::Matrixd& m) {
     std::size_t count = vertices.vertexCount();
     if (count == 0) {
         return true;
@@ -119,19 +115,6 @@ bool bakeTransform(Vertices& vertices, Indices& indices, std::uint32_t link, con
     std::vector<bool> selected(count);
     for (std::size_t v = 0; v < count; ++v) {
         selected[v] = vertexParentTag(vertices, v) == link;
-    }
-    auto selectedAt = [&](std::uint32_t index) { return index < count && selected[index]; };
-
-    if (mirror && isTriangleKind(indices.primitive)) {
-        if (indices.primitive != kTriangleList) {
-            return false;
-        }
-        for (std::size_t t = 0; t + 2 < indices.indices.size(); t += 3) {
-            bool s0 = selectedAt(indices.indices[t]);
-            if (s0 != selectedAt(indices.indices[t + 1]) || s0 != selectedAt(indices.indices[t + 2])) {
-                return false;
-            }
-        }
     }
 
     Matrix3 normalMatrix = inverseTranspose(a, det);
@@ -171,13 +154,6 @@ bool bakeTransform(Vertices& vertices, Indices& indices, std::uint32_t link, con
         }
     }
 
-    if (mirror && indices.primitive == kTriangleList) {
-        for (std::size_t t = 0; t + 2 < indices.indices.size(); t += 3) {
-            if (selectedAt(indices.indices[t])) {
-                std::swap(indices.indices[t + 1], indices.indices[t + 2]);
-            }
-        }
-    }
     return true;
 }
 

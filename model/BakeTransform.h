@@ -5,7 +5,6 @@
 #include <cstdint>
 
 #include "core/Math.h"
-#include "model/Indices.h"
 #include "model/Vertices.h"
 
 namespace model {
@@ -24,11 +23,12 @@ bool isAffine(const nq::Matrixd& m);
 // - TANGENT0/1 and BINORMAL0/1 as directions by the upper 3 x 3 itself, since they lie in the
 //   surface as the positions do; a four-float tangent's handedness flips with a mirroring m;
 // each direction is rescaled to its former length.
-// A mirroring m also reverses the winding of the triangles of those vertices, so that the same
-// faces stay in front. False, and nothing changed, when the result would not render the same: m
-// is not affine, there are vertices but no POSITION0, a mirroring m meets triangle strips or
-// fans, or a triangle joins vertices of this link and of another.
-bool bakeTransform(Vertices& vertices, Indices& indices, std::uint32_t link, const nq::Matrixd& m);
+// The index order stays as it is: the renderer takes a triangle's front from its winding in model
+// space, whatever matrix it was drawn through, so the baked triangles show the same side. A
+// mirrored scene node has its corners reversed when its mesh is exported for exactly that reason.
+// False, and nothing changed, when the result would not render the same: m is not affine or
+// flattens, or there are vertices but no POSITION0.
+bool bakeTransform(Vertices& vertices, std::uint32_t link, const nq::Matrixd& m);
 
 // For data without surfaces (points, directions, sizes): s when the upper 3 x 3 of m is a
 // rotation, possibly mirrored, times the uniform scale s; 0 when it is not, or m is not affine.

@@ -7,7 +7,7 @@ namespace model {
 
 bool RenderNode::applyTransform(std::uint32_t link, const nq::Matrixd& m) {
     checkLink(link, links.size());
-    return bakeTransform(vertices, indices, link, m);
+    return bakeTransform(vertices, link, m);
 }
 
 void RenderNode::forEachArgument(const std::function<void(std::uint32_t)>& f) const {

@@ -6,7 +6,7 @@ namespace model {
 
 bool ShellNode::applyTransform(std::uint32_t link, const nq::Matrixd& m) {
     checkLink(link, 1);
-    return bakeTransform(vertices, indices, link, m);
+    return bakeTransform(vertices, link, m);
 }
 
 }  // namespace model

@@ -10,6 +10,7 @@
 #include "core/ExtException.h"
 #include "model/BaseMeshRenderNode.h"
 #include "model/PropertiesSet.h"
+#include "model/utils/CheckMaterials.h"
 #include "model/utils/MeshChecks.h"
 
 namespace model::utils {
@@ -35,17 +36,9 @@ std::array<bool, kTexCoordChannels> namedChannels(const PropertiesSet& m) {
 }
 
 void checkTable(const PropertiesSet& m) {
-    for (std::uint32_t channel : m.textureChannels) {
-        if (channel == kNoChannel) {
-            continue;
-        }
-        if (channel >= kTexCoordChannels ||
-            m.vertexFormat[texCoordSemantic(static_cast<int>(channel))] == 0) {
-            fail(kBrokenTextureChannels);
-        }
-    }
-    if (m.vertexFormat[POSITION0] == 0) {
-        fail(kWrongVertexSize);
+    std::string_view fault = materialLayoutFault(m);
+    if (!fault.empty()) {
+        fail(fault);
     }
 }
 

@@ -187,25 +187,19 @@ TEST(NodeTransforms, RenderNodeBakesOnlyTheVerticesOfTheLink) {
     EXPECT_EQ(n[9 + 2], 1.0f);
 }
 
-TEST(NodeTransforms, MirroringFlipsTheWindingOrIsRefused) {
+TEST(NodeTransforms, MirroringKeepsTheWindingOfAnyPrimitive) {
     nq::Matrixd mirror = nq::scaleMatrix(nq::Vec3d{{-1, 1, 1}});
     Ptr<RenderNode> r = twoParentMesh();
     ASSERT_TRUE(r->applyTransform(0, mirror));
-    EXPECT_EQ(r->indices.indices, (std::vector<std::uint32_t>{0, 2, 1, 3, 4, 5}));
+    EXPECT_EQ(r->indices.indices, (std::vector<std::uint32_t>{0, 1, 2, 3, 4, 5}));
     EXPECT_EQ(r->vertices.attribute(POSITION0).data[4], -1.0f);
 
-    // A strip cannot be rewound in place: nothing changes.
+    // Strips and triangles across two links take the matrix too: only their positions move.
     Ptr<RenderNode> strip = twoParentMesh();
-    strip->indices.primitive = kTriangleStrip;
-    Vertices before = strip->vertices;
-    EXPECT_FALSE(strip->applyTransform(0, mirror));
-    EXPECT_EQ(strip->vertices, before);
-
-    // A triangle across two links cannot be rewound for one of them.
-    Ptr<RenderNode> mixed = twoParentMesh();
-    mixed->indices = Indices(kTriangleList, {0, 1, 3});
-    EXPECT_FALSE(mixed->applyTransform(0, mirror));
-    EXPECT_EQ(mixed->indices.indices, (std::vector<std::uint32_t>{0, 1, 3}));
+    strip->indices = Indices(kTriangleStrip, {0, 1, 3, 4});
+    ASSERT_TRUE(strip->applyTransform(0, mirror));
+    EXPECT_EQ(strip->indices.indices, (std::vector<std::uint32_t>{0, 1, 3, 4}));
+    EXPECT_EQ(strip->vertices.attribute(POSITION0).data[4], -1.0f);
 
     // Projective matrices are refused.
     Ptr<RenderNode> p = twoParentMesh();
