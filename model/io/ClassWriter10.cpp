@@ -125,6 +125,7 @@ void ClassWriter10::writeRecords(RootNode& root) {
     const FileEstimate estimate = estimateFile(root, order.estimate);
     file_.reserve(estimate.bytes);
     file_.strings().reserve(estimate.strings);
+    file_.deferStringLookups();
 
     file_.write("NQF", 3);
     file_.writeU16(version());
@@ -157,6 +158,7 @@ void ClassWriter10::writeRecords(RootNode& root) {
     writeGroup(file_, writer, "LIGHT_NODES", root.lightNodes(), noteArgument);
     writeGroup(file_, writer, "RENDER_NODES", root.renderNodes(), noteArgument);
 
+    file_.resolveStrings();
     putU32(file_.buffer().data() + handleCountAt, anyArgument ? highest + 1 : 0);
 }
 

@@ -9,6 +9,17 @@
 
 namespace model {
 
+namespace {
+
+// Deferred strings looked up at once: enough for the waits to overlap, few enough for the places
+// of their ordinals to be still in the cache.
+constexpr std::size_t kStringBatch = 512;
+// How many lookups ahead an index slot is fetched: about as many as the memory system serves at
+// once.
+constexpr std::size_t kFetchAhead = 24;
+
+}  // namespace
+
 void MemBinaryFileW::reserve(std::size_t size) {
     if (size <= buffer_.capacity()) {
         return;
@@ -28,6 +39,10 @@ void MemBinaryFileW::reserve(std::size_t size) {
 }
 
 std::size_t MemBinaryFileW::write(const void* data, std::size_t size) {
+    if (position_ < buffer_.size() && !pending_.empty()) {
+        // An insert would move the places of deferred ordinals: fill them first.
+        resolveStrings();
+    }
     if (position_ > buffer_.size()) {
         // A cursor past the end has no bytes to insert before: the file grows with zeros up to it.
         buffer_.resize(position_, 0);
@@ -45,12 +60,45 @@ std::size_t MemBinaryFileW::write(const void* data, std::size_t size) {
 
 void MemBinaryFileW::writeString(std::string_view text) {
     text = text.substr(0, text.find('\0'));
-    RecentText& recent = recent_[(reinterpret_cast<std::uintptr_t>(text.data()) >> 3) % recent_.size()];
-    if (recent.data != text.data() || recent.size != text.size() || text.empty() ||
-        std::memcmp(strings_.index()[recent.ordinal], text.data(), text.size()) != 0) {
-        recent = RecentText{text.data(), text.size(), strings_.internOrdinal(text)};
+    RecentText& recent = recentSlot(text.data());
+    if (recent.data == text.data() && recent.size == text.size() && !text.empty() &&
+        std::memcmp(strings_.index()[recent.ordinal], text.data(), text.size()) == 0) {
+        // A text that already has its ordinal: deferred texts before it cannot change that.
+        writeU32(recent.ordinal);
+        return;
     }
-    writeU32(recent.ordinal);
+    if (!deferStrings_ || position_ != buffer_.size()) {
+        // Earlier texts take their ordinals first, so the order of first use stays.
+        resolveStrings();
+        recent = RecentText{text.data(), text.size(), strings_.internOrdinal(text)};
+        writeU32(recent.ordinal);
+        return;
+    }
+    const std::uint64_t hash = StringPool::hashOf(text);
+    pending_.push_back(PendingString{position_, hash, text.data(), pendingText_.size(), text.size()});
+    pendingText_.insert(pendingText_.end(), text.begin(), text.end());
+    writeU32(0);
+    if (pending_.size() == kStringBatch) {
+        resolveStrings();
+    }
+}
+
+void MemBinaryFileW::resolveStrings() {
+    std::size_t ahead = 0;
+    for (std::size_t i = 0; i < pending_.size(); ++i) {
+        for (; ahead < pending_.size() && ahead < i + kFetchAhead; ++ahead) {
+            strings_.prefetch(pending_[ahead].hash);
+        }
+        const PendingString& p = pending_[i];
+        const std::uint32_t ordinal =
+            strings_.internOrdinal(std::string_view(pendingText_.data() + p.textAt, p.length), p.hash);
+        for (std::size_t b = 0; b < 4; ++b) {
+            buffer_[p.position + b] = static_cast<unsigned char>(ordinal >> (8 * b));
+        }
+        recentSlot(p.data) = RecentText{p.data, p.length, ordinal};
+    }
+    pending_.clear();
+    pendingText_.clear();
 }
 
 }  // namespace model

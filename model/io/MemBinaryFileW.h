@@ -29,6 +29,15 @@ public:
     // touch then costs one fault per 2 MiB rather than one per 4 KiB.
     void reserve(std::size_t size);
 
+    // From now on a writeString at the end of the buffer whose text is not among the recent ones
+    // writes four bytes at once and gets its ordinal in a batch with others: the index slots of a
+    // batch are fetched ahead of their lookups, so that the waits for memory of many new strings
+    // overlap. The batch is looked up in the order of writing, so ordinals and the table come out
+    // as without deferral.
+    void deferStringLookups() { deferStrings_ = true; }
+    // Fills every deferred ordinal now. buffer() and strings() are complete only after this.
+    void resolveStrings();
+
     const std::vector<unsigned char>& buffer() const { return buffer_; }
     std::vector<unsigned char>& buffer() { return buffer_; }
     StringPool& strings() { return strings_; }
@@ -48,6 +57,22 @@ private:
         std::uint32_t ordinal = 0;
     };
     std::array<RecentText, 16> recent_{};
+    RecentText& recentSlot(const char* data) {
+        return recent_[(reinterpret_cast<std::uintptr_t>(data) >> 3) % recent_.size()];
+    }
+
+    // A deferred writeString: where its ordinal goes, and its text in `pendingText_`. `data` is
+    // where the caller's text stood, kept only as a key of the recent texts.
+    struct PendingString {
+        std::uint64_t position;
+        std::uint64_t hash;
+        const char* data;
+        std::size_t textAt;
+        std::size_t length;
+    };
+    bool deferStrings_ = false;
+    std::vector<PendingString> pending_;
+    std::vector<char> pendingText_;
 };
 
 }  // namespace model

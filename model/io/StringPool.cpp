@@ -5,12 +5,6 @@
 
 namespace model {
 
-std::size_t StringPool::home(std::uint64_t hash) const {
-    // The top bits of a multiplicative mix: texts that differ only in their last characters
-    // (names with running numbers) still spread over the whole array.
-    return static_cast<std::size_t>((hash * 0x9E3779B97F4A7C15ull) >> (64 - slotBits_));
-}
-
 std::uint64_t StringPool::hashOf(std::string_view text) {
     // The library's string hash takes eight bytes a step; short names cost a few cycles.
     return std::hash<std::string_view>{}(text);
@@ -55,11 +49,10 @@ void StringPool::rebuild(int slotBits) {
     }
 }
 
-std::uint32_t StringPool::internOrdinal(std::string_view text) {
+std::uint32_t StringPool::internOrdinal(std::string_view text, std::uint64_t hash) {
     if (2 * (index_.size() + 1) > slots_.size()) {
         rebuild(slots_.empty() ? 10 : slotBits_ + 1);
     }
-    const std::uint64_t hash = hashOf(text);
     Slot& slot = slots_[find(text, hash)];
     if (slot.ordinal != kEmpty) {
         return slot.ordinal;

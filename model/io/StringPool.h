@@ -28,7 +28,18 @@ public:
     // Stores the text if it is new; returns the stored, NUL-terminated copy.
     const char* intern(std::string_view text) { return index_[internOrdinal(text)]; }
     // Stores the text if it is new; returns its ordinal in order of first use. One lookup.
-    std::uint32_t internOrdinal(std::string_view text);
+    std::uint32_t internOrdinal(std::string_view text) { return internOrdinal(text, hashOf(text)); }
+    // The same with the text's hashOf() computed by the caller.
+    std::uint32_t internOrdinal(std::string_view text, std::uint64_t hash);
+    // The hash the index files a text under.
+    static std::uint64_t hashOf(std::string_view text);
+    // Starts loading the index slot of a text with this hash into the cache, so that a lookup
+    // a little later need not wait for memory.
+    void prefetch(std::uint64_t hash) const {
+        if (!slots_.empty()) {
+            __builtin_prefetch(&slots_[home(hash)]);
+        }
+    }
     // Ordinal of an interned text in order of first use, or 0xFFFFFFFF if it was never interned.
     std::uint32_t ordinal(std::string_view text) const;
 
@@ -62,8 +73,11 @@ private:
 
     // The position of the slot that holds the text, or of the empty slot where it would go.
     std::size_t find(std::string_view text, std::uint64_t hash) const;
-    std::size_t home(std::uint64_t hash) const;
-    static std::uint64_t hashOf(std::string_view text);
+    std::size_t home(std::uint64_t hash) const {
+        // The top bits of a multiplicative mix: texts that differ only in their last characters
+        // (names with running numbers) still spread over the whole array.
+        return static_cast<std::size_t>((hash * 0x9E3779B97F4A7C15ull) >> (64 - slotBits_));
+    }
     void rebuild(int slotBits);
 
     std::uint64_t tableSize_ = 0;

@@ -65,6 +65,46 @@ TEST(MemBinaryFileW, ReusedTextBufferWithNewCharactersIsANewString) {
               std::string("model::Node\0model::Mode\0model\0\0", 31));
 }
 
+// Deferred lookups must give the bytes and the table of immediate ones, whatever comes between
+// them: inserts in front of deferred places, texts in reused buffers, batches filling up.
+TEST(MemBinaryFileW, DeferredLookupsGiveTheBytesOfImmediateOnes) {
+    std::mt19937 rng(5);
+    auto pick = [&](int n) { return std::uniform_int_distribution<int>(0, n - 1)(rng); };
+    for (int round = 0; round < 20; ++round) {
+        MemBinaryFileW immediate;
+        MemBinaryFileW deferred;
+        deferred.deferStringLookups();
+        std::string reused;
+        for (int step = 0; step < 3000; ++step) {
+            const int what = pick(20);
+            if (what == 0) {
+                // Seek back and insert, as a material's entry count does, then return to the end.
+                const std::uint64_t end = immediate.tell();
+                const std::uint64_t at = static_cast<std::uint64_t>(pick(static_cast<int>(end) + 1));
+                for (MemBinaryFileW* f : {&immediate, &deferred}) {
+                    f->seek(at);
+                    f->writeU32(0xA5A5A5A5u);
+                    f->seek(end + 4);
+                }
+            } else if (what < 8) {
+                reused = "key" + std::to_string(pick(40));
+                immediate.writeString(reused);
+                deferred.writeString(reused);
+            } else if (what < 12) {
+                immediate.writeString("model::Node");
+                deferred.writeString("model::Node");
+            } else {
+                const std::string fresh = "name" + std::to_string(pick(5000));
+                immediate.writeString(fresh);
+                deferred.writeString(fresh);
+            }
+        }
+        deferred.resolveStrings();
+        ASSERT_EQ(bytesOf(deferred), bytesOf(immediate)) << "round " << round;
+        ASSERT_EQ(deferred.strings().flatten(), immediate.strings().flatten());
+    }
+}
+
 TEST(StringPool, LongTextGetsAPageOfExactlyItsSizeAndTheNextStartsAnew) {
     StringPool pool(4096);
     pool.intern("short");
