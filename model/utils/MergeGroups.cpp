@@ -126,6 +126,13 @@ Ptr<BaseRenderNode> mergeMeshes(std::span<const Ptr<BaseRenderNode>> members) {
     if constexpr (std::is_same_v<T, NumberNode>) {
         out->entries = first.entries;
     }
+    // The joined index list is sized once: growing it to the exact size member by member would
+    // copy it again for each member.
+    std::size_t indexCount = 0;
+    for (const Ptr<BaseRenderNode>& member : members) {
+        indexCount += static_cast<const T&>(*member).indices.indices.size();
+    }
+    indices.indices.reserve(indexCount);
     for (const Ptr<BaseRenderNode>& member : members.subspan(1)) {
         const T& m = static_cast<const T&>(*member);
         std::uint32_t parent = parents.numberOf(m.links.at(0));
@@ -141,7 +148,6 @@ Ptr<BaseRenderNode> mergeMeshes(std::span<const Ptr<BaseRenderNode>> members) {
         if (!vertices.append(copy)) {
             throw nq::ExtException(std::string(kWrongVertexSize));
         }
-        indices.indices.reserve(indices.indices.size() + m.indices.indices.size());
         for (std::uint32_t index : m.indices.indices) {
             indices.indices.push_back(index + base);
         }
