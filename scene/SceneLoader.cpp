@@ -1,5 +1,7 @@
 #include "scene/SceneLoader.h"
 
+#include <sys/stat.h>
+
 #include <array>
 #include <cerrno>
 #include <cmath>
@@ -195,11 +197,29 @@ std::unique_ptr<Scene> loadScene(const std::string& path) {
     if (!file) {
         throw DocumentError("", fmt::format("cannot open the scene document: {}", std::strerror(errno)));
     }
+    // A regular file is read in one piece straight into the parser's padded buffer, sized from
+    // the file; a pipe or a file that changes size meanwhile is read piece by piece and copied.
+    std::optional<simdjson::padded_string> whole;
     std::string text;
-    char buffer[65536];
-    std::size_t n = 0;
-    while ((n = std::fread(buffer, 1, sizeof buffer, file)) > 0) {
-        text.append(buffer, n);
+    struct stat status {};
+    if (::fstat(::fileno(file), &status) == 0 && S_ISREG(status.st_mode)) {
+        const auto size = static_cast<std::size_t>(status.st_size);
+        whole.emplace(size);
+        const std::size_t n = std::fread(whole->data(), 1, size, file);
+        if (n != size || std::fgetc(file) != EOF) {
+            text.assign(whole->data(), n);
+            whole.reset();
+            if (!std::ferror(file)) {
+                std::fseek(file, static_cast<long>(n), SEEK_SET);
+            }
+        }
+    }
+    if (!whole) {
+        char buffer[65536];
+        std::size_t n = 0;
+        while ((n = std::fread(buffer, 1, sizeof buffer, file)) > 0) {
+            text.append(buffer, n);
+        }
     }
     bool failed = std::ferror(file) != 0;
     int error = errno;
@@ -207,7 +227,7 @@ std::unique_ptr<Scene> loadScene(const std::string& path) {
     if (failed) {
         throw DocumentError("", fmt::format("cannot read the scene document: {}", std::strerror(error)));
     }
-    return parseScene(text);
+    return whole ? readScene(*whole) : parseScene(text);
 }
 
 }  // namespace scene
