@@ -1,17 +1,15 @@
 // nqfexport as users run it: scene documents in, .nqf files out, read back with the reader.
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <array>
 #include <cmath>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <regex>
 #include <variant>
 
+#include "ProgramRun.h"
 #include "exporter/UserSettings.h"
 #include "model/io/NqfReader.h"
 
@@ -19,40 +17,13 @@ namespace fs = std::filesystem;
 
 namespace {
 
-struct Outcome {
-    int status = -1;
-    std::string err;
-    std::string out;
-};
+using apptest::Outcome;
+using apptest::slurp;
 
-class Nqfexport : public ::testing::Test {
+class Nqfexport : public apptest::ProgramTest {
 protected:
-    void SetUp() override {
-        std::string pattern = (fs::temp_directory_path() / "nqfexport-test-XXXXXX").string();
-        ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-        dir = pattern;
-        fs::create_directories(dir / "cfg");
-    }
-    void TearDown() override { fs::remove_all(dir); }
-
-    static std::string scene(const std::string& name) {
-        return std::string(NQ_SOURCE_DIR) + "/tests/scenes/" + name;
-    }
-    static std::string slurp(const fs::path& p) {
-        std::ifstream in(p, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
-    Outcome run(const std::string& args) {
-        const std::string command = std::string(NQ_BINARY_DIR) + "/apps/nqfexport --plugcfg " +
-                                    (dir / "cfg").string() + " " + args + " >" + (dir / "out").string() +
-                                    " 2>" + (dir / "err").string();
-        Outcome r;
-        const int raw = std::system(command.c_str());
-        r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-        r.err = slurp(dir / "err");
-        r.out = slurp(dir / "out");
-        return r;
-    }
+    static std::string scene(const std::string& name) { return apptest::scenePath(name); }
+    Outcome run(const std::string& args) { return runExport(args); }
     // The connectors of a file by name.
     std::vector<std::string> connectorNames(const fs::path& file) {
         std::vector<std::string> names;
@@ -70,8 +41,6 @@ protected:
         return model::io::readNqf(
             std::span(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()));
     }
-
-    fs::path dir;
 };
 
 // Element (row, column) of a transform node's matrix.

@@ -1,15 +1,13 @@
 // nqfinfo as users run it: exit status, the summary, the JSON dump, the fault line.
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 
 #include <simdjson.h>
 
+#include "ProgramRun.h"
 #include "io/NqfSample.h"
 #include "model/io/NqfReader.h"
 
@@ -17,42 +15,17 @@ namespace fs = std::filesystem;
 
 namespace {
 
-struct Outcome {
-    int status = -1;
-    std::string out, err;
-};
+using apptest::Outcome;
 
-class Nqfinfo : public ::testing::Test {
+class Nqfinfo : public apptest::ProgramTest {
 protected:
-    void SetUp() override {
-        std::string pattern = (fs::temp_directory_path() / "nqfinfo-test-XXXXXX").string();
-        ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-        dir = pattern;
-    }
-    void TearDown() override { fs::remove_all(dir); }
-
     std::string write(const std::string& name, const std::vector<std::uint8_t>& bytes) {
         const fs::path p = dir / name;
         std::ofstream(p, std::ios::binary)
             .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
         return p.string();
     }
-    static std::string slurp(const fs::path& p) {
-        std::ifstream in(p, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
-    Outcome run(const std::string& args) {
-        const std::string command = std::string(NQ_BINARY_DIR) + "/apps/nqfinfo " + args + " >" +
-                                    (dir / "out").string() + " 2>" + (dir / "err").string();
-        Outcome r;
-        const int raw = std::system(command.c_str());
-        r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-        r.out = slurp(dir / "out");
-        r.err = slurp(dir / "err");
-        return r;
-    }
-
-    fs::path dir;
+    Outcome run(const std::string& args) { return runProgram("nqfinfo", args); }
 };
 
 TEST_F(Nqfinfo, SummaryOfAValidFile) {

@@ -2,18 +2,16 @@
 // nqfinfo --json: what an artist's scene turns into, checked on the file as a renderer reads it.
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <array>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <regex>
 #include <string>
 #include <vector>
 
 #include <simdjson.h>
+
+#include "ProgramRun.h"
 
 namespace fs = std::filesystem;
 
@@ -46,39 +44,21 @@ std::vector<std::uint64_t> uints(simdjson::dom::array array) {
 
 // Exports a document of tests/scenes with nqfexport into a scratch directory and, when a file was
 // written, reads it back with nqfinfo --json.
-class SceneExport : public ::testing::Test {
+class SceneExport : public apptest::ProgramTest {
 protected:
-    void SetUp() override {
-        std::string pattern = (fs::temp_directory_path() / "scene-export-test-XXXXXX").string();
-        ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-        dir = pattern;
-        fs::create_directories(dir / "cfg");
-    }
-    void TearDown() override { fs::remove_all(dir); }
-
-    static std::string slurp(const fs::path& p) {
-        std::ifstream in(p, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
-    int shell(const std::string& command) {
-        const int raw =
-            std::system((command + " >" + (dir / "out").string() + " 2>" + (dir / "err").string()).c_str());
-        return WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-    }
-
     // Runs the export; `status`, `err` and `written` tell how it went, `doc` holds the file.
     void exportScene(const std::string& scene) {
-        const std::string bin = std::string(NQ_BINARY_DIR) + "/apps/";
         target = dir / "out.nqf";
-        status = shell(bin + "nqfexport --plugcfg " + (dir / "cfg").string() + " " + NQ_SOURCE_DIR +
-                       "/tests/scenes/" + scene + " -o " + target.string());
-        err = slurp(dir / "err");
+        const apptest::Outcome exported = runExport(apptest::scenePath(scene) + " -o " + target.string());
+        status = exported.status;
+        err = exported.err;
         written = fs::exists(target);
         if (!written) {
             return;
         }
-        ASSERT_EQ(shell(bin + "nqfinfo --json " + target.string()), 0) << slurp(dir / "err");
-        json = slurp(dir / "out");
+        const apptest::Outcome info = runProgram("nqfinfo", "--json " + target.string());
+        ASSERT_EQ(info.status, 0) << info.err;
+        json = info.out;
         ASSERT_EQ(parser.parse(json).get(doc), simdjson::SUCCESS) << json.substr(0, 400);
     }
 
@@ -121,7 +101,7 @@ protected:
                std::regex_search(err.substr(at + text.size()), std::regex("^[0-9]+\\.\n"));
     }
 
-    fs::path dir, target;
+    fs::path target;
     int status = -1;
     bool written = false;
     std::string err, json;
