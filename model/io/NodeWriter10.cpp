@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <cstring>
 #include <optional>
 
 #include "core/ExtException.h"
@@ -55,23 +56,46 @@ void NodeWriter10::writeName(const std::string& name) {
     file_.write(name.data(), name.size());
 }
 
+void NodeWriter10::writeNameAndProperties(const std::string& name, const PropertyList& properties) {
+    // The name, the reserved word and the property count follow each other in every node record.
+    // A short name goes out with them in one write: these come once per node, and the number of
+    // calls into the byte sink is a good part of the time of saving a large tree.
+    constexpr std::size_t kShortName = 112;
+    if (name.size() <= kShortName) {
+        unsigned char head[kShortName + 12];
+        auto put = [&head](std::size_t at, std::uint32_t v) {
+            for (std::size_t i = 0; i < 4; ++i) {
+                head[at + i] = static_cast<unsigned char>(v >> (8 * i));
+            }
+        };
+        put(0, static_cast<std::uint32_t>(name.size()));
+        std::memcpy(head + 4, name.data(), name.size());
+        put(4 + name.size(), 0);
+        put(8 + name.size(), static_cast<std::uint32_t>(properties.size()));
+        file_.write(head, name.size() + 12);
+        for (const Ptr<IProperty>& property : properties) {
+            property->save(file_);
+        }
+        return;
+    }
+    writeName(name);
+    file_.writeU32(0);
+    writePropertyList(file_, properties);
+}
+
 void NodeWriter10::writeBase(const BaseNode& node) {
     file_.writeString(nodeTypeName(node.nodeType()));
-    writeName(node.name);
-    file_.writeU32(0);
     // The class version travels in a copy of the list, so the node itself is not changed.
     PropertyList properties = node.properties;
     if (node.version != 0) {
         setProperty(properties, createUIntProperty("__VERSION__", node.version));
     }
-    writePropertyList(file_, properties);
+    writeNameAndProperties(node.name, properties);
 }
 
 void NodeWriter10::writeNodeHead(const Node& node) {
     file_.writeString(nodeTypeName(node.fileNodeType()));
-    writeName(node.name);
-    file_.writeU32(0);
-    writePropertyList(file_, node.properties);
+    writeNameAndProperties(node.name, node.properties);
 }
 
 void NodeWriter10::writeRender(const BaseRenderNode& node) {

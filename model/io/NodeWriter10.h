@@ -7,6 +7,7 @@
 
 #include "model/INodeVisitor.h"
 #include "model/IObject.h"
+#include "model/PropertyList.h"
 #include "model/io/IBinaryFileW.h"
 
 namespace model {
@@ -61,6 +62,7 @@ public:
 
 private:
     void writeName(const std::string& name);
+    void writeNameAndProperties(const std::string& name, const PropertyList& properties);
     void writeBase(const BaseNode& node);
     void writeNodeHead(const Node& node);
     void writeRender(const BaseRenderNode& node);

@@ -281,6 +281,42 @@ TEST(ClassWriter10, VersionPropertyIsAddedToACopyOnly) {
     EXPECT_EQ(stored, 1u) << "the node's own list is unchanged";
 }
 
+// A short name goes out with the reserved word and the property count in one piece, a long one
+// word by word: names on both sides of that limit, on tree nodes and on the root record.
+TEST(ClassWriter10, NamesOfAnyLengthStandInlineBeforeTheProperties) {
+    Ptr<RootNode> root = makeRoot(std::string(112, 'a').c_str());
+    root->name = std::string(300, 'r');
+    Ptr<Node> longer = createNode(std::string(113, 'b'));
+    longer->properties.push_back(createFloatProperty("p", 1.5f));
+    root->rootNode()->insert(nullptr, longer);
+    root->rootNode()->insert(nullptr, createNode(""));
+    root->rootNode()->properties.push_back(createFloatProperty("q", 2.5f));
+
+    FileCursor f(saveToBytes(*root));
+    EXPECT_EQ(f.str(), "model::RootNode");
+    EXPECT_EQ(f.name(), root->name);
+    EXPECT_EQ(f.u32(), 0u);
+    ASSERT_EQ(f.u32(), 1u);
+    f.skip(12 + 144 + 12);
+    ASSERT_EQ(f.u32(), 3u);
+    const std::pair<std::string, float> nodes[] = {{std::string(112, 'a'), 2.5f},
+                                                   {std::string(113, 'b'), 1.5f}};
+    for (const auto& [name, value] : nodes) {
+        EXPECT_EQ(f.str(), "model::Node");
+        EXPECT_EQ(f.name(), name);
+        EXPECT_EQ(f.u32(), 0u);
+        ASSERT_EQ(f.u32(), 1u);
+        EXPECT_EQ(f.str(), "model::Property<float>");
+        f.str();
+        EXPECT_EQ(f.f32(), value);
+    }
+    EXPECT_EQ(f.str(), "model::Node");
+    EXPECT_EQ(f.name(), "");
+    EXPECT_EQ(f.u32(), 0u);
+    EXPECT_EQ(f.u32(), 0u);
+    EXPECT_EQ(f.u32(), 0xFFFFFFFFu) << "the parent table follows the last record";
+}
+
 TEST(ClassWriter10, RecordFailuresCarryTheirTexts) {
     {
         Ptr<RootNode> root = makeRoot();
