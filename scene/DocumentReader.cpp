@@ -118,12 +118,38 @@ host::Class_ID DocumentReader::readClassId(element value) {
     return host::Class_ID(parts[0], parts[1]);
 }
 
+bool DocumentReader::tryReadFloats(simdjson::dom::array array, float* out) {
+    for (element item : array) {
+        double number = 0;
+        if (item.get_double().get(number) || std::fabs(number) > std::numeric_limits<float>::max()) {
+            return false;
+        }
+        *out++ = static_cast<float>(number);
+    }
+    return true;
+}
+
+bool DocumentReader::tryReadIndices(simdjson::dom::array array, std::int64_t max, std::uint32_t* out) {
+    for (element item : array) {
+        std::int64_t number = 0;
+        if (item.get_int64().get(number) || number < 0 || number > max) {
+            return false;
+        }
+        *out++ = static_cast<std::uint32_t>(number);
+    }
+    return true;
+}
+
 host::Point3 DocumentReader::readPoint(element value) {
     simdjson::dom::array array;
     if (value.get_array().get(array) || array.size() != 3) {
         fail("expected 3 numbers");
     }
     host::Point3 point;
+    float numbers[3];
+    if (tryReadFloats(array, numbers)) {
+        return {numbers[0], numbers[1], numbers[2]};
+    }
     readArray(value, [&](std::size_t i, element c) { point[static_cast<int>(i)] = readFloat(c); });
     return point;
 }

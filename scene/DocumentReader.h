@@ -62,6 +62,14 @@ public:
     host::Point3 readPoint(element value);
     host::Matrix3 readMatrix(element value);
 
+    // Fast forms for the bulk of a mesh: they read every item of the array without entering the
+    // path and return false at the first item that is not a plain in-range value, leaving the
+    // caller to read the array again the checked way, whose fault then names the item.
+    // Numbers as readFloat reads them, into out[0] to out[array.size() - 1].
+    static bool tryReadFloats(simdjson::dom::array array, float* out);
+    // Integers written as such from 0 to max, as readInteger would give them.
+    static bool tryReadIndices(simdjson::dom::array array, std::int64_t max, std::uint32_t* out);
+
 private:
     std::vector<PathPart> path_;
 };

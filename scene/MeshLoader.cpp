@@ -58,6 +58,16 @@ void buildBox(host::Mesh& mesh, const host::Point3& size, const std::array<host:
     }
 }
 
+// Reserves room for the items of a JSON array about to be read into list, so a large mesh is not
+// grown and copied step by step. A value that is not an array is left for the reader to report.
+template <class List>
+void reserveFor(List& list, element value) {
+    simdjson::dom::array array;
+    if (!value.get_array().get(array)) {
+        list.reserve(list.size() + array.size());
+    }
+}
+
 }  // namespace
 
 host::Object* readMeshObject(DocumentReader& reader, Scene& scene, const std::optional<element>& value) {
@@ -94,6 +104,7 @@ host::Object* readMeshObject(DocumentReader& reader, Scene& scene, const std::op
             buildBox(mesh, size, ids);
         } else if (key == "vertices") {
             hasData = true;
+            reserveFor(mesh.verts, field);
             reader.readArray(
                 field, [&](std::size_t, element point) { mesh.verts.push_back(reader.readPoint(point)); });
         } else if (key == "faces") {
@@ -117,6 +128,7 @@ host::Object* readMeshObject(DocumentReader& reader, Scene& scene, const std::op
     const auto vertexCount = static_cast<std::int64_t>(mesh.verts.size());
     if (faces) {
         Step step(reader, {"faces"});
+        reserveFor(mesh.faces, *faces);
         reader.readArray(*faces, [&](std::size_t, element item) {
             host::Face face;
             auto readCorners = [&](element corners) {
@@ -126,6 +138,9 @@ host::Object* readMeshObject(DocumentReader& reader, Scene& scene, const std::op
                 }
                 if (vertexCount == 0) {
                     reader.fail("the mesh has no vertices");
+                }
+                if (DocumentReader::tryReadIndices(array, vertexCount - 1, face.v)) {
+                    return;
                 }
                 reader.readArray(corners, [&](std::size_t k, element index) {
                     face.v[k] = static_cast<host::DWORD>(reader.readInteger(index, 0, vertexCount - 1));
@@ -166,10 +181,16 @@ host::Object* readMeshObject(DocumentReader& reader, Scene& scene, const std::op
                 if (key == "channel") {
                     channel = reader.readInteger(field, 0, kMaxMapChannel);
                 } else if (key == "vertices") {
+                    reserveFor(map.tv, field);
                     reader.readArray(field, [&](std::size_t, element point) {
                         simdjson::dom::array array;
                         if (point.get_array().get(array) || (array.size() != 2 && array.size() != 3)) {
                             reader.fail("expected 2 or 3 numbers");
+                        }
+                        float numbers[3] = {0, 0, 0};
+                        if (DocumentReader::tryReadFloats(array, numbers)) {
+                            map.tv.emplace_back(numbers[0], numbers[1], numbers[2]);
+                            return;
                         }
                         host::Point3 p;
                         reader.readArray(point, [&](std::size_t i, element c) {
@@ -191,6 +212,7 @@ host::Object* readMeshObject(DocumentReader& reader, Scene& scene, const std::op
             if (mapFaces) {
                 Step facesStep(reader, {"faces"});
                 const auto mapVertexCount = static_cast<std::int64_t>(map.tv.size());
+                reserveFor(map.tf, *mapFaces);
                 reader.readArray(*mapFaces, [&](std::size_t, element corners) {
                     simdjson::dom::array array;
                     if (corners.get_array().get(array) || array.size() != 3) {
@@ -200,6 +222,10 @@ host::Object* readMeshObject(DocumentReader& reader, Scene& scene, const std::op
                         reader.fail("the map has no vertices");
                     }
                     host::TVFace face;
+                    if (DocumentReader::tryReadIndices(array, mapVertexCount - 1, face.t)) {
+                        map.tf.push_back(face);
+                        return;
+                    }
                     reader.readArray(corners, [&](std::size_t k, element index) {
                         face.t[k] =
                             static_cast<host::DWORD>(reader.readInteger(index, 0, mapVertexCount - 1));

@@ -22,7 +22,7 @@ host::Mesh& meshOf(scene::Scene& scene, int node = 0) {
 TEST(MeshDocument, FullFormAsGiven) {
     auto scene = scene::parseScene(R"({"nodes": [{"object": {"superClass": "0x10", "mesh": {
         "vertices": [[0, 0, 0], [1, 0, 0], [0, 1, 0], [1, 1, 0]],
-        "faces": [[0, 1, 2], {"verts": [2, 1, 3], "smoothing": 6, "materialId": 65535}],
+        "faces": [[0, 1, 2], {"verts": [2, 1.0, 3e0], "smoothing": 6, "materialId": 65535}],
         "maps": [{"channel": 3, "vertices": [[0, 0], [1, 0, 0.5]], "faces": [[0, 1, 1], [1, 1, 0]]}],
         "normals": [{"vertex": 3, "normal": [0, 0, -1]}]}}},
         {"object": {"class": ["0x9", "0x0"]}}]})");
@@ -31,6 +31,7 @@ TEST(MeshDocument, FullFormAsGiven) {
     ASSERT_EQ(mesh.getNumFaces(), 2);
     EXPECT_EQ(mesh.faces[0].smGroup, 0u);
     EXPECT_EQ(mesh.faces[0].getMatID(), 0);
+    EXPECT_EQ(mesh.faces[1].v[1], 1u);
     EXPECT_EQ(mesh.faces[1].v[2], 3u);
     EXPECT_EQ(mesh.faces[1].smGroup, 6u);
     EXPECT_EQ(mesh.faces[1].getMatID(), 65535);
@@ -39,6 +40,8 @@ TEST(MeshDocument, FullFormAsGiven) {
     EXPECT_EQ(mesh.Map(1).getNumVerts(), 0);
     EXPECT_EQ(mesh.Map(3).tv[1], host::Point3(1, 0, 0.5f));
     EXPECT_EQ(mesh.Map(3).tf[1].t[2], 0u);
+    // The 2-number map vertex has a z of 0.
+    EXPECT_EQ(mesh.Map(3).tv[0], host::Point3(0, 0, 0));
     mesh.buildRenderNormals();
     EXPECT_EQ(mesh.getRVertPtr(3)->rFlags, host::SPECIFIED_NORMAL | 1);
 
@@ -119,6 +122,17 @@ TEST(MeshDocument, FaultsNameTheirPath) {
     expectFault(R"({"box": {"materialIds": [1, 2]}})", "nodes[0].object.mesh.box.materialIds",
                 "expected 6 material ids, one for each side");
     expectFault(R"({"triangles": []})", "nodes[0].object.mesh.triangles", "unknown field");
+    // Vertices, map vertices and corners are read in bulk; a fault in any item still names it.
+    expectFault(R"({"vertices": [[0, 0, 0], [0, 1e39, 0]]})", "nodes[0].object.mesh.vertices[1][1]",
+                "number out of the range of a 32-bit float");
+    expectFault(R"({"vertices": [[0, 0, 0]], "faces": [[0, -1, 0]]})", "nodes[0].object.mesh.faces[0][1]",
+                "expected an integer from 0 to 0");
+    expectFault(R"({"vertices": [[0, 0, 0]], "faces": [[0, 0, 0.5]]})", "nodes[0].object.mesh.faces[0][2]",
+                "expected an integer");
+    expectFault("{" + tri + R"(, "maps": [{"channel": 1, "vertices": [[0, 0], [0, "1"]]}]})",
+                "nodes[0].object.mesh.maps[0].vertices[1][1]", "expected a number");
+    expectFault("{" + tri + R"(, "maps": [{"channel": 1, "vertices": [[0, 0]], "faces": [[0, 0, true]]}]})",
+                "nodes[0].object.mesh.maps[0].faces[0][2]", "expected an integer");
 
     try {
         scene::parseScene(R"({"nodes": [{"object": {"superClass": "0x50", "mesh": {}}}]})");
