@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include <boost/container/small_vector.hpp>
+
 namespace host {
 namespace {
 
@@ -31,11 +33,15 @@ float cornerAngle(const Point3& at, const Point3& next, const Point3& prev) {
     return std::acos(c < -1.0f ? -1.0f : c > 1.0f ? 1.0f : c);
 }
 
+// The normals of one vertex while they are gathered: nearly every vertex has one or two, kept
+// in place rather than in a heap block of their own.
+using GatheredNormals = boost::container::small_vector<RNormal, 2>;
+
 // Adds a face's weighted normal to the normals of one vertex. The face joins the first normal whose
 // smoothing groups share a bit with its own; any further normal that shares a bit is folded into
 // that one too, so that groups joined through this face end in one normal whatever the order of
 // the faces.
-void addNormal(std::vector<RNormal>& normals, const Point3& weighted, DWORD smGroup) {
+void addNormal(GatheredNormals& normals, const Point3& weighted, DWORD smGroup) {
     RNormal* target = nullptr;
     for (std::size_t i = 0; i < normals.size();) {
         if (!(normals[i].smGroup & smGroup)) {
@@ -88,7 +94,7 @@ Point3 Mesh::FaceCenter(int face) const {
 void Mesh::buildRenderNormals() {
     const std::size_t vertexCount = verts.size();
     faceNormals_.assign(faces.size(), Point3());
-    std::vector<std::vector<RNormal>> normals(vertexCount);
+    std::vector<GatheredNormals> normals(vertexCount);
     specified_.resize(vertexCount);
     for (std::size_t f = 0; f < faces.size(); ++f) {
         const Face& face = faces[f];
@@ -120,7 +126,7 @@ void Mesh::buildRenderNormals() {
         if (normals[v].size() == 1) {
             rv.rn = normals[v][0];
         } else {
-            rv.ern = std::move(normals[v]);
+            rv.ern.assign(normals[v].begin(), normals[v].end());
         }
     }
 }
