@@ -167,6 +167,15 @@ void NormalSmoother::collect(const Ptr<BaseMeshRenderNode>& node, const nq::Matr
 void NormalSmoother::gather() {
     std::erase_if(nodes_, [](const SmoothNode& n) { return n.node->root == nullptr; });
     for (SmoothNode& n : nodes_) {
+        // The passes between collect and gather keep every vertex in its place; a node that lost
+        // vertices or its normals would have the clusters' normals written past its end.
+        const VertexAttribute* normals = attributeOf(n.node->vertices, NORMAL0);
+        const std::size_t count = n.node->vertices.vertexCount();
+        if (!normals || count != n.vertices.size() ||
+            normals->data.size() < count * static_cast<std::size_t>(normals->size)) {
+            throw nq::ExtException(fmt::format(
+                "Node '{}' changed its vertices between collecting and smoothing", n.node->name));
+        }
         n.smoothKey = smoothKeyOf(*n.node);
         n.toNode = transposed(nodeWorldTransform(*n.node));
     }

@@ -109,7 +109,8 @@ public:
                  std::span<const std::uint32_t> groups);
     // Leaves out the nodes that have left the model's lists since they were collected, takes each
     // node's smoothKeyOf and the way back into its space (from nodeWorldTransform) as they stand
-    // now, and builds the clusters.
+    // now, and builds the clusters. A node that no longer holds the vertices it was collected
+    // with (another count, or no NORMAL0) throws nq::ExtException.
     void gather();
     // Writes the clusters' normals into the render nodes.
     void apply();

@@ -223,6 +223,15 @@ TEST_F(NormalSmootherTest, CollectChecksItsInputAndGatherDropsNodesThatLeftTheMo
     ASSERT_EQ(smoother.nodes().size(), 1u);
     EXPECT_TRUE(smoother.clusters().empty());
     EXPECT_EQ(normalOf(*a, 0), (Point{0, 1, 0}));
+
+    // A node whose vertices changed in between is refused before anything is written.
+    a->vertices = meshVertices({{0, 0, 0}});
+    try {
+        smoother.gather();
+        FAIL() << "no exception";
+    } catch (const nq::ExtException& e) {
+        EXPECT_EQ(e.message(), "Node 'a' changed its vertices between collecting and smoothing");
+    }
 }
 
 // Random scenes: small lattices of corners, so that many lie on the tolerance's edge, nodes
