@@ -82,7 +82,14 @@ void DocumentReader::readFields(element value, Read read) {
     }
     // Every key must be known, and the first repeat is a fault, so no object gets past as many
     // distinct keys as its reader knows; none knows more than this.
-    std::array<std::string_view, 32> seen;
+    // The keys are kept as plain pointer and length, left uninitialised: zeroing 32 views for
+    // every object, a million small faces among them, was about half of this loop's own time.
+    struct SeenKey {
+        const char* data;
+        std::size_t size;
+    };
+    SeenKey seen[32];
+    constexpr std::size_t seenCapacity = sizeof(seen) / sizeof(seen[0]);
     std::size_t seenCount = 0;
     // One step of the path for all fields, its key changed in place: documents have millions of
     // fields, and the path grows and shrinks only once per object.
@@ -90,14 +97,14 @@ void DocumentReader::readFields(element value, Read read) {
     for (simdjson::dom::key_value_pair field : object) {
         path_.back() = {field.key};
         for (std::size_t i = 0; i < seenCount; ++i) {
-            if (seen[i] == field.key) {
+            if (std::string_view(seen[i].data, seen[i].size) == field.key) {
                 fail("repeated field");
             }
         }
-        if (!read(field.key, field.value) || seenCount == seen.size()) {
+        if (!read(field.key, field.value) || seenCount == seenCapacity) {
             fail("unknown field");
         }
-        seen[seenCount++] = field.key;
+        seen[seenCount++] = {field.key.data(), field.key.size()};
     }
 }
 
