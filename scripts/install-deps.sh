@@ -7,7 +7,7 @@ packages=(
     build-essential cmake ninja-build pkg-config git
     libgtest-dev libgmock-dev libbenchmark-dev
     liblua5.1-0-dev libfmt-dev libmeshoptimizer-dev libboost-dev
-    libcli11-dev libsimdjson-dev
+    libcli11-dev libsimdjson-dev libjemalloc-dev
     qt6-base-dev
     clang libclang-rt-14-dev
     gltfpack
