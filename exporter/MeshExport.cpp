@@ -1,5 +1,6 @@
 #include "exporter/MeshExport.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "core/ExtException.h"
@@ -57,21 +58,30 @@ int texCoordSemantic(const model::PropertiesSet& material, std::size_t entry) {
                : kFirstTexCoord + static_cast<int>(position);
 }
 
-// The (u, 1 - v) of one face corner in map channel c; (0, 0) when the channel is missing or empty.
-std::array<float, 2> cornerTexCoord(host::Mesh& mesh, std::uint32_t c, int face, int corner,
-                                    const nq::Matrixf* transform) {
+// The map vertex of one face corner in map channel c, or kNoMapVertex when the channel is
+// missing or empty or the corner's map vertex is out of range: the corner then takes (0, 0).
+constexpr std::uint32_t kNoMapVertex = 0xFFFFFFFFu;
+std::uint32_t cornerMapVertex(host::Mesh& mesh, std::uint32_t c, int face, int corner) {
     if (c >= static_cast<std::uint32_t>(mesh.getNumMaps())) {
-        return {0, 0};
+        return kNoMapVertex;
     }
     host::MeshMap& map = mesh.Map(static_cast<int>(c));
     if (map.getNumVerts() == 0 || face >= map.getNumFaces()) {
-        return {0, 0};
+        return kNoMapVertex;
     }
     const host::DWORD t = map.tf[static_cast<std::size_t>(face)].t[corner];
-    if (t >= static_cast<host::DWORD>(map.getNumVerts())) {
+    return t < static_cast<host::DWORD>(map.getNumVerts()) ? t : kNoMapVertex;
+}
+
+// The (u, 1 - v) of map vertex t of channel c (as cornerMapVertex gives it), through the
+// texture's transform when it has one; (0, 0) for kNoMapVertex.
+std::array<float, 2> mapTexCoord(host::Mesh& mesh, std::uint32_t c, std::uint32_t t,
+                                 const nq::Matrixf* transform) {
+    if (t == kNoMapVertex) {
         return {0, 0};
     }
-    float u = map.tv[t].x, v = map.tv[t].y;
+    const host::Point3& p = mesh.Map(static_cast<int>(c)).tv[t];
+    float u = p.x, v = p.y;
     if (transform) {
         const nq::Matrixf& m = *transform;
         const float tu = u * m(0, 0) + v * m(1, 0) + m(3, 0);
@@ -81,6 +91,101 @@ std::array<float, 2> cornerTexCoord(host::Mesh& mesh, std::uint32_t c, int face,
     }
     return {u, 1.0f - v};
 }
+
+// Where the normal of a face corner comes from: the place of a normal among those of its render
+// vertex (0 for a specified normal or the only one), or kFaceNormal. A vertex holds at most 32
+// normals, as the normals of one vertex share no smoothing group.
+constexpr std::uint32_t kFaceNormal = 0x100;
+std::uint32_t cornerNormalSource(host::Mesh& mesh, const host::Face& f, int corner) {
+    const host::RVertex& rv = *mesh.getRVertPtr(static_cast<int>(f.v[corner]));
+    const host::DWORD count = rv.rFlags & host::NORCT_MASK;
+    if (rv.rFlags & host::SPECIFIED_NORMAL) {
+        return 0;
+    }
+    if (count == 1 && (rv.rn.getSmGroup() & f.smGroup)) {
+        return 0;
+    }
+    if (count >= 2) {
+        for (std::size_t i = 0; i < rv.ern.size(); ++i) {
+            if (rv.ern[i].getSmGroup() & f.smGroup) {
+                return static_cast<std::uint32_t>(i);
+            }
+        }
+    }
+    return kFaceNormal;
+}
+
+// The normal that cornerNormalSource names for a corner.
+host::Point3 sourcedNormal(host::Mesh& mesh, int face, int corner, std::uint32_t source) {
+    if (source == kFaceNormal) {
+        const host::Point3& n = mesh.getFaceNormal(face);
+        return std::sqrt(dot(n, n)) < 0.0001f ? host::Point3(0, 1, 0) : n;
+    }
+    const host::Face& f = mesh.faces[static_cast<std::size_t>(face)];
+    const host::RVertex& rv = *mesh.getRVertPtr(static_cast<int>(f.v[corner]));
+    const bool single = (rv.rFlags & host::SPECIFIED_NORMAL) || (rv.rFlags & host::NORCT_MASK) == 1;
+    return single ? rv.rn.getNormal() : rv.ern[source].getNormal();
+}
+
+// The distinct sources of the corners of one render node. Corners with the same vertex, the same
+// normal source, smoothing group and map vertices make records equal bit for bit, so only the
+// first of them makes one. The sources of each vertex are chained, newest first.
+class CornerSources {
+public:
+    CornerSources(std::size_t vertexCount, std::size_t channelCount)
+        : firstOfVertex_(vertexCount, kNone), channels_(channelCount), cornerMaps_(channelCount) {}
+
+    // The map vertices of the corner being added, one for each channel, to be filled before add.
+    std::uint32_t* cornerMaps() { return cornerMaps_.data(); }
+
+    // The number of the corner's source, a new one when no earlier corner had the same.
+    std::uint32_t add(int face, int corner, std::uint32_t vertex, std::uint32_t normal,
+                      std::uint32_t smGroup) {
+        std::uint32_t s = firstOfVertex_[vertex];
+        while (s != kNone && !sameSource(sources_[s], normal, smGroup, s)) {
+            s = sources_[s].next;
+        }
+        if (s == kNone) {
+            s = static_cast<std::uint32_t>(sources_.size());
+            sources_.push_back({normal, smGroup, firstOfVertex_[vertex], face, corner});
+            firstOfVertex_[vertex] = s;
+            maps_.insert(maps_.end(), cornerMaps_.begin(), cornerMaps_.end());
+        }
+        return s;
+    }
+
+    std::size_t size() const { return sources_.size(); }
+    // The first corner of source s.
+    int face(std::uint32_t s) const { return sources_[s].face; }
+    int corner(std::uint32_t s) const { return sources_[s].corner; }
+    std::uint32_t normal(std::uint32_t s) const { return sources_[s].normal; }
+    std::uint32_t mapVertex(std::uint32_t s, std::size_t channel) const {
+        return maps_[s * channels_ + channel];
+    }
+
+private:
+    static constexpr std::uint32_t kNone = 0xFFFFFFFFu;
+    struct Source {
+        std::uint32_t normal;
+        std::uint32_t smGroup;
+        std::uint32_t next;
+        int face;
+        int corner;
+    };
+
+    bool sameSource(const Source& source, std::uint32_t normal, std::uint32_t smGroup,
+                    std::uint32_t s) const {
+        return source.normal == normal && source.smGroup == smGroup &&
+               std::equal(cornerMaps_.begin(), cornerMaps_.end(),
+                          maps_.begin() + static_cast<std::ptrdiff_t>(s * channels_));
+    }
+
+    std::vector<std::uint32_t> firstOfVertex_;
+    std::size_t channels_;
+    std::vector<std::uint32_t> cornerMaps_;
+    std::vector<Source> sources_;
+    std::vector<std::uint32_t> maps_;
+};
 
 // Whether the node's object carries a skin. Skinned meshes export as plain meshes until bones
 // are exported.
@@ -115,23 +220,7 @@ bool isMirrored(const host::Matrix3& objectTM) {
 
 host::Point3 cornerNormal(host::Mesh& mesh, int face, int corner) {
     const host::Face& f = mesh.faces[static_cast<std::size_t>(face)];
-    const host::RVertex& rv = *mesh.getRVertPtr(static_cast<int>(f.v[corner]));
-    const host::DWORD count = rv.rFlags & host::NORCT_MASK;
-    if (rv.rFlags & host::SPECIFIED_NORMAL) {
-        return rv.rn.getNormal();
-    }
-    if (count == 1 && (rv.rn.getSmGroup() & f.smGroup)) {
-        return rv.rn.getNormal();
-    }
-    if (count >= 2) {
-        for (const host::RNormal& n : rv.ern) {
-            if (n.getSmGroup() & f.smGroup) {
-                return n.getNormal();
-            }
-        }
-    }
-    const host::Point3& n = mesh.getFaceNormal(face);
-    return std::sqrt(dot(n, n)) < 0.0001f ? host::Point3(0, 1, 0) : n;
+    return sourcedNormal(mesh, face, corner, cornerNormalSource(mesh, f, corner));
 }
 
 model::Ptr<model::BaseMeshRenderNode> exportRenderNode(const MeshContext& context, host::INode* node,
@@ -161,37 +250,53 @@ model::Ptr<model::BaseMeshRenderNode> exportRenderNode(const MeshContext& contex
         transforms.push_back(textureTransform(*material, i));
     }
 
-    // One record for each corner of each face taken, the corners of a mirrored node in reverse so
-    // that its faces keep their outward side.
+    // The sources of each corner of each face taken, the corners of a mirrored node in reverse so
+    // that its faces keep their outward side; then one record for each distinct source.
     const int corners[2][3] = {{0, 1, 2}, {2, 1, 0}};
-    std::vector<VertexRecord> records;
+    CornerSources sources(mesh.verts.size(), channels.size());
     std::vector<std::uint32_t> indices;
-    const std::size_t cornerCount = count == 1 ? mesh.faces.size() * 3 : 0;
-    records.reserve(cornerCount);
-    indices.reserve(cornerCount);
+    indices.reserve(count == 1 ? mesh.faces.size() * 3 : 0);
     for (int f = 0; f < mesh.getNumFaces(); ++f) {
         const host::Face& face = mesh.faces[static_cast<std::size_t>(f)];
         if (face.getMatID() % count != index) {
             continue;
         }
         for (int k : corners[mirrored ? 1 : 0]) {
-            VertexRecord record;
-            const host::Point3& p = mesh.getVert(static_cast<int>(face.v[k]));
-            record.position = {p.x, p.y, p.z};
+            std::uint32_t normal = 0;
             if (hasNormals) {
-                record.smoothingGroup = face.smGroup;
-                const host::Point3 n = cornerNormal(mesh, f, k);
-                record.normal = {n.x, n.y, n.z};
+                normal = cornerNormalSource(mesh, face, k);
+                // The face normal is the face's own.
+                if (normal == kFaceNormal) {
+                    normal += static_cast<std::uint32_t>(f);
+                }
             }
+            std::uint32_t* maps = sources.cornerMaps();
             for (std::size_t i = 0; i < channels.size(); ++i) {
-                record.texCoords.push_back(cornerTexCoord(mesh, channels[i], f, k, transforms[i]));
+                maps[i] = cornerMapVertex(mesh, channels[i], f, k);
             }
-            indices.push_back(static_cast<std::uint32_t>(records.size()));
-            records.push_back(std::move(record));
+            indices.push_back(sources.add(f, k, face.v[k], normal, hasNormals ? face.smGroup : 0));
         }
     }
-    if (records.empty()) {
+    if (indices.empty()) {
         return {};
+    }
+    std::vector<VertexRecord> records(sources.size());
+    for (std::uint32_t s = 0; s < sources.size(); ++s) {
+        VertexRecord& record = records[s];
+        const int f = sources.face(s), k = sources.corner(s);
+        const host::Face& face = mesh.faces[static_cast<std::size_t>(f)];
+        const host::Point3& p = mesh.getVert(static_cast<int>(face.v[k]));
+        record.position = {p.x, p.y, p.z};
+        if (hasNormals) {
+            record.smoothingGroup = face.smGroup;
+            const std::uint32_t normal = sources.normal(s);
+            const host::Point3 n = sourcedNormal(mesh, f, k, normal >= kFaceNormal ? kFaceNormal : normal);
+            record.normal = {n.x, n.y, n.z};
+        }
+        for (std::size_t i = 0; i < channels.size(); ++i) {
+            record.texCoords.push_back(
+                mapTexCoord(mesh, channels[i], sources.mapVertex(s, i), transforms[i]));
+        }
     }
 
     weldRecords(records, indices);

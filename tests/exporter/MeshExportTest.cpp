@@ -1,9 +1,12 @@
 // Mesh extraction from scene documents, with a fixed table of materials in place of the keeper.
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 #include <map>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -331,6 +334,92 @@ TEST(MeshExport, TangentsFollowTheNormalMapChannel) {
         expectNear(attributeOf(n, model::TANGENT0, v), {1, 0, 0});
         // The stored v runs against the map's v, and so does the binormal.
         expectNear(attributeOf(n, model::BINORMAL0, v), {0, -1, 0});
+    }
+}
+
+// The corners of random meshes against the plain rule: one record per corner taken, welded bit
+// for bit. The meshes repeat positions and map vertices, have faces without area, several
+// smoothing groups, specified normals, mirrored nodes and two sub-materials.
+TEST(MeshExport, WeldedCornersMatchOneRecordPerCornerOnRandomMeshes) {
+    FixedMaterials materials;
+    PropertiesSetPtr m = materials.add("a", true, {1, 2, 7});
+    std::mt19937 random(11);
+    auto pick = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
+    for (int round = 0; round < 40; ++round) {
+        const int vertexCount = 3 + pick(10), faceCount = 1 + pick(30), mapVertexCount = 1 + pick(5);
+        std::string vertices, faces, mapVertices, mapFaces;
+        for (int v = 0; v < vertexCount; ++v) {
+            vertices += (v ? "," : "") + fmt::format("[{},{},{}]", pick(3), pick(2), pick(3) * 0.5);
+        }
+        for (int f = 0; f < faceCount; ++f) {
+            const int groups[] = {0, 1, 2, 3, 4, 6};
+            faces +=
+                (f ? "," : "") + fmt::format(R"({{"verts": [{},{},{}], "smoothing": {}, "materialId": {}}})",
+                                             pick(vertexCount), pick(vertexCount), pick(vertexCount),
+                                             groups[pick(6)], pick(2));
+            mapFaces += (f ? "," : "") + fmt::format("[{},{},{}]", pick(mapVertexCount), pick(mapVertexCount),
+                                                     pick(mapVertexCount));
+        }
+        for (int t = 0; t < mapVertexCount; ++t) {
+            mapVertices += (t ? "," : "") + fmt::format("[{},{}]", pick(2) * 0.25, pick(2));
+        }
+        const std::string json = fmt::format(
+            R"({{"materials": [{{"class": ["0x200", "0x0"], "subMaterials": [1, 1]}}, {{"name": "a"}}],
+                "nodes": [{{"material": 0, "localTM": [[{},0,0],[0,1,0],[0,0,1],[0,0,0]], "object": {{"mesh": {{
+                "vertices": [{}], "faces": [{}], "normals": [{}],
+                "maps": [{{"channel": 1, "vertices": [{}], "faces": [{}]}},
+                         {{"channel": 2, "vertices": [[0.5, 0.5]]}}]}}}}}}]}})",
+            round % 3 ? 1 : -1, vertices, faces,
+            round % 4 ? "" : fmt::format(R"({{"vertex": {}, "normal": [0, -0.0, 1]}})", pick(vertexCount)),
+            mapVertices, mapFaces);
+        Export e;
+        e.run(json, materials);
+        host::Mesh& mesh = static_cast<host::TriObject*>(e.scene->root.GetChildNode(0)->GetObjectRef())->mesh;
+        const bool mirrored = round % 3 == 0;
+        std::size_t taken = 0;
+        for (int slot = 0; slot < 2; ++slot) {
+            std::vector<exporter::VertexRecord> records;
+            std::vector<std::uint32_t> indices;
+            for (int f = 0; f < faceCount; ++f) {
+                const host::Face& face = mesh.faces[static_cast<std::size_t>(f)];
+                if (face.getMatID() % 2 != slot) {
+                    continue;
+                }
+                for (int i = 0; i < 3; ++i) {
+                    const int k = mirrored ? 2 - i : i;
+                    exporter::VertexRecord r;
+                    const host::Point3& p = mesh.verts[face.v[k]];
+                    const host::Point3 n = exporter::cornerNormal(mesh, f, k);
+                    const host::Point3& uv =
+                        mesh.maps[1].tv[mesh.maps[1].tf[static_cast<std::size_t>(f)].t[k]];
+                    r.position = {p.x, p.y, p.z};
+                    r.normal = {n.x, n.y, n.z};
+                    r.smoothingGroup = face.smGroup;
+                    r.texCoords = {{uv.x, 1.0f - uv.y}, {0, 0}, {0, 0}};
+                    indices.push_back(static_cast<std::uint32_t>(records.size()));
+                    records.push_back(r);
+                }
+            }
+            if (records.empty()) {
+                continue;
+            }
+            exporter::weldRecords(records, indices);
+            const model::RenderNode& n = e.node(taken++);
+            ASSERT_EQ(n.vertices.vertexCount(), records.size()) << json;
+            EXPECT_EQ(n.indices.indices, indices) << json;
+            for (std::uint32_t v = 0; v < records.size(); ++v) {
+                const exporter::VertexRecord& r = records[v];
+                const V3 uv0 = attributeOf(n, model::TEXCOORD0, v), uv1 = attributeOf(n, model::TEXCOORD1, v);
+                const std::array<float, 7> expected{r.texCoords[0][0], r.texCoords[0][1], 0,          0,
+                                                    r.normal[0],       r.normal[1],       r.normal[2]};
+                const V3 normal = attributeOf(n, model::NORMAL0, v);
+                const std::array<float, 7> actual{uv0[0],    uv0[1],    uv1[0],   uv1[1],
+                                                  normal[0], normal[1], normal[2]};
+                EXPECT_EQ(std::memcmp(expected.data(), actual.data(), sizeof expected), 0) << json;
+                EXPECT_EQ(attributeOf(n, model::POSITION0, v), r.position);
+            }
+        }
+        EXPECT_EQ(e.root->renderNodes().size(), taken);
     }
 }
 
