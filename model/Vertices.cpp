@@ -7,7 +7,6 @@
 #include <fmt/format.h>
 
 #include "core/ExtException.h"
-#include "model/CheckedAt.h"
 #include "model/io/IBinaryFileW.h"
 
 namespace model {
@@ -129,47 +128,74 @@ std::optional<Vertices> Vertices::selectFormat(const VertexFormat& format) const
     return result;
 }
 
+namespace {
+
+// The attributes that hold data, in ascending semantic order, with the offset of each within an
+// interleaved vertex.
+struct Slot {
+    const float* from;
+    std::size_t size;
+    std::size_t offset;
+};
+
+}  // namespace
+
 std::vector<float> Vertices::interleaved() const {
-    std::size_t count = vertexCount();
-    std::vector<float> out;
-    out.reserve(count * stride());
-    for (std::size_t v = 0; v < count; ++v) {
-        for (const auto& [semantic, attr] : attributes) {
-            if (attr.size <= 0) {
-                continue;
-            }
-            std::size_t size = static_cast<std::size_t>(attr.size);
-            for (std::size_t k = 0; k < size; ++k) {
-                out.push_back(checkedAt(attr.data, size * v + k));
-            }
+    const std::size_t count = vertexCount();
+    // Every attribute must cover every vertex; checking first lets the copy run unchecked.
+    std::vector<Slot> slots;
+    std::size_t step = 0;
+    for (const auto& [semantic, attr] : attributes) {
+        if (attr.size <= 0) {
+            continue;
+        }
+        const auto size = static_cast<std::size_t>(attr.size);
+        if (attr.data.size() < count * size) {
+            throw std::out_of_range("invalid vector subscript");
+        }
+        slots.push_back({attr.data.data(), size, step});
+        step += size;
+    }
+    std::vector<float> out(count * step);
+    if (slots.size() == 1) {
+        std::copy_n(slots.front().from, out.size(), out.data());
+        return out;
+    }
+    for (const Slot& slot : slots) {
+        const float* from = slot.from;
+        float* to = out.data() + slot.offset;
+        for (std::size_t v = 0; v < count; ++v, from += slot.size, to += step) {
+            std::copy_n(from, slot.size, to);
         }
     }
     return out;
 }
 
 void Vertices::assignInterleaved(std::span<const float> interleavedData, std::size_t vertexCount) {
-    // Built aside and swapped in, so a failed read leaves the attributes as they were.
-    std::map<VertexSemantic, std::vector<float>> fresh;
-    for (const auto& [semantic, attr] : attributes) {
-        fresh[semantic];
+    const std::size_t step = stride();
+    // The last float read is the last of the last vertex; checking it first means a failure
+    // leaves the attributes as they were.
+    if (vertexCount > 0 && step > 0 && interleavedData.size() < vertexCount * step) {
+        throw std::out_of_range("invalid vector subscript");
     }
-    std::size_t step = stride();
-    for (std::size_t v = 0; v < vertexCount; ++v) {
-        std::size_t offset = 0;
-        for (const auto& [semantic, attr] : attributes) {
-            if (attr.size <= 0) {
-                continue;
-            }
-            std::size_t size = static_cast<std::size_t>(attr.size);
-            std::vector<float>& target = fresh[semantic];
-            for (std::size_t k = 0; k < size; ++k) {
-                target.push_back(checkedAt(interleavedData, step * v + offset + k));
-            }
-            offset += size;
-        }
-    }
+    std::size_t offset = 0;
     for (auto& [semantic, attr] : attributes) {
-        attr.data = std::move(fresh[semantic]);
+        if (attr.size <= 0) {
+            attr.data.clear();
+            continue;
+        }
+        const auto size = static_cast<std::size_t>(attr.size);
+        attr.data.resize(vertexCount * size);
+        const float* from = interleavedData.data() + offset;
+        float* to = attr.data.data();
+        if (size == step) {
+            std::copy_n(from, vertexCount * size, to);
+        } else {
+            for (std::size_t v = 0; v < vertexCount; ++v, from += step, to += size) {
+                std::copy_n(from, size, to);
+            }
+        }
+        offset += size;
     }
 }
 

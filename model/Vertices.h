@@ -56,7 +56,7 @@ public:
     // bounds-checked: an attribute shorter than the lowest one throws std::out_of_range.
     std::vector<float> interleaved() const;
     // Replaces all attribute data from interleaved floats; sizes are kept. Bounds-checked; on a
-    // failure the data is left as it was.
+    // failure the data is left as it was. The floats must not lie in this object's own attributes.
     void assignInterleaved(std::span<const float> interleavedData, std::size_t vertexCount);
 
     // Every attribute's element count is a whole multiple of its size, and a size of 0 holds no data.
