@@ -18,37 +18,48 @@ constexpr std::size_t kTagPosition = 3;
 // first float; larger ones search a k-d tree. Both find the same matches.
 constexpr std::size_t kSweepLimit = 128;
 
-std::uint32_t dropUnused(Vertices& vertices, Indices& indices) {
-    std::size_t count = vertices.vertexCount();
-    std::vector<bool> used(count, false);
-    for (std::uint32_t index : indices.indices) {
-        used[index] = true;
-    }
-    std::vector<std::uint32_t> newNumber(count);
-    std::uint32_t kept = 0;
-    for (std::size_t v = 0; v < count; ++v) {
-        newNumber[v] = kept;
-        kept += used[v] ? 1 : 0;
-    }
-    auto dropped = static_cast<std::uint32_t>(count - kept);
-    if (dropped == 0) {
-        return 0;
-    }
+// Moves the vertices that keep(v) holds for down within each attribute of some floats per
+// vertex, in their order and with their values, and cuts each attribute behind them.
+template <class Keep>
+void keepVertices(Vertices& vertices, std::size_t count, Keep keep) {
     for (auto& [semantic, attr] : vertices.attributes) {
         if (attr.size <= 0) {
             continue;
         }
-        auto size = static_cast<std::size_t>(attr.size);
+        const auto size = static_cast<std::size_t>(attr.size);
+        float* base = attr.data.data();
         std::size_t write = 0;
         for (std::size_t v = 0; v < count; ++v) {
-            if (used[v]) {
-                std::copy_n(attr.data.begin() + static_cast<std::ptrdiff_t>(v * size), size,
-                            attr.data.begin() + static_cast<std::ptrdiff_t>(write * size));
+            if (keep(v)) {
+                if (write != v) {
+                    std::copy_n(base + v * size, size, base + write * size);
+                }
                 ++write;
             }
         }
         attr.data.resize(write * size);
     }
+}
+
+std::uint32_t dropUnused(Vertices& vertices, Indices& indices) {
+    std::size_t count = vertices.vertexCount();
+    std::vector<std::uint8_t> used(count, 0);
+    std::size_t usedCount = 0;
+    for (std::uint32_t index : indices.indices) {
+        usedCount += used[index] ^ 1u;
+        used[index] = 1;
+    }
+    if (usedCount == count) {
+        return 0;
+    }
+    std::vector<std::uint32_t> newNumber(count);
+    std::uint32_t kept = 0;
+    for (std::size_t v = 0; v < count; ++v) {
+        newNumber[v] = kept;
+        kept += used[v];
+    }
+    auto dropped = static_cast<std::uint32_t>(count - kept);
+    keepVertices(vertices, count, [&](std::size_t v) { return used[v] != 0; });
     for (std::uint32_t& index : indices.indices) {
         index = newNumber[index];
     }
@@ -187,12 +198,12 @@ std::uint32_t weldVertices(Vertices& vertices, Indices& indices, float tolerance
             points.push_back(static_cast<std::uint32_t>(v));
         }
     }
-    std::vector<bool> gone(count, false);
+    std::vector<std::uint8_t> gone(count, 0);
     std::vector<std::uint32_t> target(count);
     std::uint32_t welded = 0;
     auto weldInto = [&](std::uint32_t v, std::uint32_t w) {
         if (w > v && !gone[w]) {
-            gone[w] = true;
+            gone[w] = 1;
             target[w] = v;
             ++welded;
         }
@@ -203,12 +214,24 @@ std::uint32_t weldVertices(Vertices& vertices, Indices& indices, float tolerance
         // order: float differences grow monotonically away from it, so the walk stops at the
         // first one out of reach. No tree is built; grids and other meshes with many equal
         // coordinates would make a tree search both sides at most of its levels.
-        std::vector<std::uint32_t> order = points;
-        std::sort(order.begin(), order.end(), [&](std::uint32_t a, std::uint32_t b) {
-            return at(a)[0] < at(b)[0] || (at(a)[0] == at(b)[0] && a < b);
-        });
+        // The order is that of the first float with the vertex number breaking ties: each key
+        // holds the float's bits turned so that unsigned order is numeric order (-0 just below
+        // +0, which the walk treats as equal anyway) above the vertex number, and the keys sort
+        // as plain integers.
+        std::vector<std::uint64_t> keys;
+        keys.reserve(points.size());
+        for (std::uint32_t v : points) {
+            const auto bits = std::bit_cast<std::uint32_t>(at(v)[0]);
+            const std::uint32_t ordered = (bits & 0x80000000u) != 0 ? ~bits : bits | 0x80000000u;
+            keys.push_back(std::uint64_t{ordered} << 32 | v);
+        }
+        std::sort(keys.begin(), keys.end());
+        std::vector<std::uint32_t> order(keys.size());
+        std::vector<float> first(keys.size());
         std::vector<std::uint32_t> place(count);
-        for (std::size_t k = 0; k < order.size(); ++k) {
+        for (std::size_t k = 0; k < keys.size(); ++k) {
+            order[k] = static_cast<std::uint32_t>(keys[k]);
+            first[k] = at(order[k])[0];
             place[order[k]] = static_cast<std::uint32_t>(k);
         }
         for (std::uint32_t v : points) {
@@ -217,10 +240,10 @@ std::uint32_t weldVertices(Vertices& vertices, Indices& indices, float tolerance
             }
             const float* query = at(v);
             auto visit = [&](std::size_t k) {
-                const std::uint32_t w = order[k];
-                if (!(std::fabs(at(w)[0] - query[0]) <= tolerance)) {
+                if (!(std::fabs(first[k] - query[0]) <= tolerance)) {
                     return false;
                 }
+                const std::uint32_t w = order[k];
                 if (w > v && !gone[w] && weldMatch(query, at(w), stride, tolerance)) {
                     weldInto(v, w);
                 }
@@ -247,21 +270,25 @@ std::uint32_t weldVertices(Vertices& vertices, Indices& indices, float tolerance
     // moves down by the number of welded vertices before it.
     std::vector<std::uint32_t> finalNumber(count);
     std::uint32_t running = 0;
-    std::vector<float> kept;
-    kept.reserve((count - welded) * stride);
     for (std::size_t v = 0; v < count; ++v) {
         if (gone[v]) {
             finalNumber[v] = finalNumber[target[v]];
             ++running;
         } else {
             finalNumber[v] = static_cast<std::uint32_t>(v) - running;
-            kept.insert(kept.end(), at(v), at(v) + stride);
         }
     }
     for (std::uint32_t& index : indices.indices) {
         index = finalNumber[index];
     }
-    vertices.assignInterleaved(kept, count - welded);
+    // The kept vertices move down within each attribute with the values they have; an attribute
+    // of no floats per vertex keeps no data.
+    for (auto& [semantic, attr] : vertices.attributes) {
+        if (attr.size <= 0) {
+            attr.data.clear();
+        }
+    }
+    keepVertices(vertices, count, [&](std::size_t v) { return !gone[v]; });
     return removed + welded;
 }
 

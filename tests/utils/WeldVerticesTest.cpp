@@ -103,9 +103,9 @@ TEST(WeldVertices, BrokenMeshesFailWithAClearMessage) {
     }
 }
 
-// Random meshes with clusters at about the tolerance, exact duplicates, tags and odd strides:
-// the sorted sweep of small meshes and the k-d tree of those above 128 vertices find exactly
-// the matches that the search over all vertices finds.
+// Random meshes with clusters at about the tolerance, exact duplicates, signed zeros, tags and odd
+// strides: the sorted sweep of small meshes and the k-d tree of those above 128 vertices find
+// exactly the matches that the search over all vertices finds.
 TEST(WeldVertices, BothSearchesWeldExactlyAsTheFullSearchDoes) {
     for (std::uint32_t seed = 1; seed <= 300; ++seed) {
         SCOPED_TRACE(seed);
@@ -118,7 +118,9 @@ TEST(WeldVertices, BothSearchesWeldExactlyAsTheFullSearchDoes) {
         float step = std::array<float, 3>{0.4e-5f, 1e-5f, 0.25f}[static_cast<std::size_t>(below(3))];
         for (int k = 0; k < count; ++k) {
             for (int c = 0; c < 3; ++c) {
-                positionsData.push_back(step * static_cast<float>(below(6)));
+                // Both signs, and zeros of both signs, which weld with each other.
+                float x = step * static_cast<float>(below(7) - 3);
+                positionsData.push_back(x == 0 && below(2) == 0 ? -0.0f : x);
             }
             positionsData.push_back(static_cast<float>(below(2)));
             for (int c = 0; c < extra; ++c) {
