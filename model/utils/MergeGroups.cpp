@@ -78,14 +78,20 @@ Ptr<T> createLike(const T& first) {
     return out;
 }
 
+// The floats an attribute holds, 0 when absent: where the next member's floats will begin.
+std::size_t floatsOf(const Vertices& vertices, VertexSemantic semantic) {
+    const VertexAttribute* attr = vertices.findAttribute(semantic);
+    return attr ? attr->data.size() : 0;
+}
+
 // Vertices of a parent other than the first carry its number in the fourth float of POSITION0;
-// those that still hold the exporter's 0 get it.
-void tagParent(Vertices& vertices, std::uint32_t parent) {
+// those that still hold the exporter's 0 get it. The member's floats begin at start.
+void tagParent(Vertices& vertices, std::uint32_t parent, std::size_t start) {
     VertexAttribute* position = vertices.findAttribute(POSITION0);
     if (!position || position->size != 4) {
         return;
     }
-    for (std::size_t i = 3; i < position->data.size(); i += 4) {
+    for (std::size_t i = start + 3; i < position->data.size(); i += 4) {
         double rounded = static_cast<double>(position->data[i]) + 0.5;
         if (rounded > -1.0 && rounded < 1.0) {
             position->data[i] = static_cast<float>(parent);
@@ -95,16 +101,18 @@ void tagParent(Vertices& vertices, std::uint32_t parent) {
 
 // Appends the digit entries of a number node's one parent to the entries of the parent it joins.
 // A digit names its entry by its number, in COLOR1 of each of its vertices and in word 1 of the
-// entry; where the joined parent already holds entries, both move up by their count.
-void appendDigits(std::vector<NumberEntry>& joined, const NumberNode& member, Vertices& vertices) {
+// entry; where the joined parent already holds entries, both move up by their count. The
+// member's COLOR1 floats begin at start.
+void appendDigits(std::vector<NumberEntry>& joined, const NumberNode& member, Vertices& vertices,
+                  std::size_t start) {
     if (member.entries.empty()) {
         return;
     }
     const auto offset = static_cast<std::uint32_t>(joined.size());
     if (offset != 0) {
         if (VertexAttribute* digits = vertices.findAttribute(COLOR1)) {
-            for (float& number : digits->data) {
-                number += static_cast<float>(offset);
+            for (std::size_t i = start; i < digits->data.size(); ++i) {
+                digits->data[i] += static_cast<float>(offset);
             }
         }
     }
@@ -133,20 +141,32 @@ Ptr<BaseRenderNode> mergeMeshes(std::span<const Ptr<BaseRenderNode>> members) {
         indexCount += static_cast<const T&>(*member).indices.indices.size();
     }
     indices.indices.reserve(indexCount);
+    // So are the joined attributes; each member's vertices are appended as they stand and then
+    // tagged in place.
+    for (auto& [semantic, attr] : vertices.attributes) {
+        std::size_t floats = 0;
+        for (const Ptr<BaseRenderNode>& member : members) {
+            if (const VertexAttribute* a = static_cast<const T&>(*member).vertices.findAttribute(semantic)) {
+                floats += a->data.size();
+            }
+        }
+        attr.data.reserve(floats);
+    }
     for (const Ptr<BaseRenderNode>& member : members.subspan(1)) {
         const T& m = static_cast<const T&>(*member);
         std::uint32_t parent = parents.numberOf(m.links.at(0));
         auto base = static_cast<std::uint32_t>(vertices.vertexCount());
-        Vertices copy = m.vertices;
-        tagParent(copy, parent);
+        const std::size_t positionStart = floatsOf(vertices, POSITION0);
+        const std::size_t digitStart = floatsOf(vertices, COLOR1);
+        if (!vertices.append(m.vertices)) {
+            throw nq::ExtException(std::string(kWrongVertexSize));
+        }
+        tagParent(vertices, parent, positionStart);
         if constexpr (std::is_same_v<T, NumberNode>) {
             if (out->entries.size() < parents.links.size()) {
                 out->entries.resize(parents.links.size());
             }
-            appendDigits(out->entries[parent], m, copy);
-        }
-        if (!vertices.append(copy)) {
-            throw nq::ExtException(std::string(kWrongVertexSize));
+            appendDigits(out->entries[parent], m, vertices, digitStart);
         }
         for (std::uint32_t index : m.indices.indices) {
             indices.indices.push_back(index + base);
