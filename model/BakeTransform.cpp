@@ -67,8 +67,11 @@ std::uint32_t vertexParentTag(const Vertices& vertices, std::size_t vertex) {
     if (!position || position->size < 4) {
         return 0;
     }
-    double w = position->data.at(vertex * static_cast<std::size_t>(position->size) + 3);
-    return static_cast<std::uint32_t>(static_cast<std::int64_t>(w + 0.5));
+    return parentTagOf(position->data.at(vertex * static_cast<std::size_t>(position->size) + 3));
+}
+
+std::uint32_t parentTagOf(float fourth) {
+    return static_cast<std::uint32_t>(static_cast<std::int64_t>(static_cast<double>(fourth) + 0.5));
 }
 
 bool isAffine(const nq::Matrixd& m) {
@@ -112,9 +115,15 @@ bool bakeTransform(Vertices& vertices, std::uint32_t link, const nq::Matrixd& m)
     }
     bool mirror = det < 0;
 
-    std::vector<bool> selected(count);
-    for (std::size_t v = 0; v < count; ++v) {
-        selected[v] = vertexParentTag(vertices, v) == link;
+    // The parent tags are read from POSITION0 directly: it is the lowest attribute, so it holds
+    // exactly count vertices.
+    const VertexAttribute& position = *vertices.findAttribute(POSITION0);
+    std::vector<std::uint8_t> selected(count, link == 0 ? 1 : 0);
+    if (position.size >= 4) {
+        const auto size = static_cast<std::size_t>(position.size);
+        for (std::size_t v = 0; v < count; ++v) {
+            selected[v] = parentTagOf(position.data[v * size + 3]) == link ? 1 : 0;
+        }
     }
 
     Matrix3 normalMatrix = inverseTranspose(a, det);

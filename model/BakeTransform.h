@@ -12,6 +12,8 @@ namespace model {
 // The parent number a vertex carries in the fourth float of a four-float POSITION0; vertices
 // with three floats belong to parent 0.
 std::uint32_t vertexParentTag(const Vertices& vertices, std::size_t vertex);
+// The parent number that a fourth float of POSITION0 carries, rounded to the nearest.
+std::uint32_t parentTagOf(float fourth);
 
 // True for a matrix whose last column is (0, 0, 0, 1).
 bool isAffine(const nq::Matrixd& m);

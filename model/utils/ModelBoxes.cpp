@@ -1,6 +1,7 @@
 #include "model/utils/ModelBoxes.h"
 
 #include <unordered_map>
+#include <vector>
 
 #include "model/BakeTransform.h"
 #include "model/BaseMeshRenderNode.h"
@@ -38,12 +39,20 @@ void expandByVertices(Box& box, const BaseNode& user, const Vertices& vertices, 
     }
     const std::size_t stride = static_cast<std::size_t>(position->size);
     const std::size_t count = position->data.size() / stride;
+    // The matrix of each link, looked up when a vertex first names it.
+    const std::uint32_t links = user.linkCount();
+    std::vector<const nq::Matrixd*> matrices(links);
+    std::vector<std::uint8_t> looked(links, 0);
     for (std::size_t v = 0; v < count; ++v) {
-        const std::uint32_t tag = vertexParentTag(vertices, v);
-        if (tag >= user.linkCount()) {
+        const std::uint32_t tag = stride >= 4 ? parentTagOf(position->data[v * stride + 3]) : 0;
+        if (tag >= links) {
             continue;
         }
-        const nq::Matrixd* m = world.of(user.link(tag).get());
+        if (!looked[tag]) {
+            looked[tag] = 1;
+            matrices[tag] = world.of(user.link(tag).get());
+        }
+        const nq::Matrixd* m = matrices[tag];
         if (!m) {
             continue;
         }
