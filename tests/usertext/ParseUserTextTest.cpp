@@ -71,17 +71,29 @@ TEST_F(UserTextTest, SeveralFieldsGiveOneEntryEach) {
     EXPECT_EQ(entries[1], Entry("2", {"float", "7"}));
     EXPECT_EQ(entries[2], Entry("SMOOTH_NORMALS", {"float", "1.0"}));
     EXPECT_EQ(entries[3], Entry("TYPE", {"string", "RENDER|LOD"}));
-}
 
-TEST_F(UserTextTest, NilMakesNoEntry) {
+    // Nil makes no entry.
     EXPECT_TRUE(parse("key = nil").empty());
-    EXPECT_EQ(parse("a = nil; b = 1").size(), 1u);
+    EXPECT_EQ(parse("a = nil; b = 1"), (std::vector<Entry>{Entry("b", {"float", "1"})}));
 }
 
-TEST_F(UserTextTest, UnusableRightSidesFail) {
-    EXPECT_EQ(failure("key = print"), "Invalid right side of expression for variable: 'key'.");
-    EXPECT_EQ(failure("other = {}"), "Invalid right side of expression for variable: 'other'.");
-    EXPECT_EQ(failure("t = {true, print}"), "Invalid right side of expression for variable: 't'.");
+// Texts that end in a failure with an exact text; each leaves the state's stack as it found it.
+TEST_F(UserTextTest, ExactFailureTexts) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"key = print", "Invalid right side of expression for variable: 'key'."},
+        {"other = {}", "Invalid right side of expression for variable: 'other'."},
+        {"t = {true, print}", "Invalid right side of expression for variable: 't'."},
+        {"key = error(42)", "Parser error:[string \"p={key = error(42)};\"]:1: 42"},
+        // Text that closes the table early leaves no table behind.
+        {"} p = 1 --", "Parser error."},
+        {"} p = nil --", "Parser error."},
+    };
+    const int top = stackTop();
+    for (const auto& [text, message] : cases) {
+        SCOPED_TRACE(text);
+        EXPECT_EQ(failure(text), message);
+        EXPECT_EQ(stackTop(), top);
+    }
 }
 
 TEST_F(UserTextTest, GuidLinesAreDeleted) {
@@ -105,22 +117,14 @@ TEST_F(UserTextTest, GuidWithEndlessSpacesIsLeftToLua) {
     EXPECT_THAT(failure(text), StartsWith("Parser error:"));
 }
 
-TEST_F(UserTextTest, TextThatDoesNotCompileNamesTheChunk) {
+// Lua's own message, naming the chunk, for text that does not compile and for errors at run time.
+TEST_F(UserTextTest, LuaErrorsNameTheChunk) {
     const std::string message = failure("key = vec2(1, 2");
     EXPECT_THAT(message, StartsWith("Parser error:[string \"p={key = vec2(1, 2};\"]:1:"));
     EXPECT_THAT(message, HasSubstr("expected"));
-}
-
-TEST_F(UserTextTest, RunTimeErrorsArePassedOn) {
     EXPECT_THAT(
         failure("key = nosuch(1)"),
         StartsWith("Parser error:[string \"p={key = nosuch(1)};\"]:1: attempt to call global 'nosuch'"));
-    EXPECT_EQ(failure("key = error(42)"), "Parser error:[string \"p={key = error(42)};\"]:1: 42");
-}
-
-TEST_F(UserTextTest, TextThatLeavesNoTableFails) {
-    EXPECT_EQ(failure("} p = 1 --"), "Parser error.");
-    EXPECT_EQ(failure("} p = nil --"), "Parser error.");
 }
 
 TEST_F(UserTextTest, FirstAcceptingHandlerTakesTheEntry) {
@@ -144,10 +148,6 @@ TEST_F(UserTextTest, StackIsRestoredInEveryCase) {
     parse("a = 1");
     EXPECT_EQ(stackTop(), top);
     failure("a = (");
-    EXPECT_EQ(stackTop(), top);
-    failure("} p = 1 --");
-    EXPECT_EQ(stackTop(), top);
-    failure("a = {}");
     EXPECT_EQ(stackTop(), top);
 
     nq::Ptr<RecordingHandler> recorder(new RecordingHandler);
