@@ -8,12 +8,7 @@ TEST(Utf8, LowersBeyondAsciiAndKeepsInvalidBytes) {
     EXPECT_EQ(nq::utf8ToLower("Textures/WALL.DDS"), "textures/wall.dds");
     EXPECT_EQ(nq::utf8ToLower("\xC3\x84\xC3\x96\xC3\x9C"), "\xC3\xA4\xC3\xB6\xC3\xBC");  // ÄÖÜ -> äöü
     EXPECT_EQ(nq::utf8ToLower("\xD0\x9F\xD0\xA0\xD0\x98"), "\xD0\xBF\xD1\x80\xD0\xB8");  // ПРИ -> при
-    EXPECT_EQ(nq::utf8ToLower(std::string("A\xFF"
-                                          "B\xC3",
-                                          4)),
-              std::string("a\xFF"
-                          "b\xC3",
-                          4));
+    EXPECT_EQ(nq::utf8ToLower(std::string("A\xFF") + "B\xC3"), std::string("a\xFF") + "b\xC3");
     EXPECT_EQ(nq::utf8ToLower(""), "");
 }
 
@@ -38,14 +33,11 @@ TEST(Utf8, WideConversionGoesBothWaysAndReplacesMalformedBytes) {
 }
 
 TEST(Utf8, PrefixNeverEndsInsideACharacter) {
-    const std::string text =
-        "ab\xE6\x97\xA5"
-        "c";
-    EXPECT_EQ(nq::utf8PrefixLength(text, 10), text.size());
-    EXPECT_EQ(nq::utf8PrefixLength(text, 2), 2u);
-    EXPECT_EQ(nq::utf8PrefixLength(text, 3), 2u);
-    EXPECT_EQ(nq::utf8PrefixLength(text, 4), 2u);
-    EXPECT_EQ(nq::utf8PrefixLength(text, 5), 5u);
+    const std::string text = std::string("ab\xE6\x97\xA5") + "c";
+    const std::size_t expected[] = {0, 1, 2, 2, 2, 5, 6, 6};  // for limits 0 to 7
+    for (std::size_t limit = 0; limit < 8; ++limit) {
+        EXPECT_EQ(nq::utf8PrefixLength(text, limit), expected[limit]) << limit;
+    }
 }
 
 }  // namespace
