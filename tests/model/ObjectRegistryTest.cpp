@@ -85,24 +85,6 @@ TEST(ObjectRegistry, DirectObjectsNeverTouchTheRegistry) {
     EXPECT_EQ(reg.objects().front(), kept.get());
 }
 
-TEST(ObjectRegistry, ForgetMovesTheLastIntoTheVacatedSlot) {
-    ObjectRegistry reg;
-    reg.registerClass<Probe>("test::Probe");
-    std::vector<Ptr<IObject>> held;
-    for (int i = 0; i < 4; ++i) {
-        held.push_back(reg.createObject("test::Probe"));
-    }
-    IObject* a = held[0].get();
-    IObject* b = held[1].get();
-    IObject* c = held[2].get();
-    IObject* d = held[3].get();
-    held[3].reset();  // the last just shortens the array
-    EXPECT_EQ(reg.objects(), (std::vector<IObject*>{a, b, c}));
-    held[0].reset();  // the first takes the last's place
-    EXPECT_EQ(reg.objects(), (std::vector<IObject*>{c, b}));
-    (void)d;
-}
-
 // The indexed forget must leave the list in exactly the order a linear search-and-swap would.
 TEST(ObjectRegistry, IndexedForgetMatchesLinearSearchAndSwap) {
     ObjectRegistry reg;

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <bit>
 #include <string>
 
 #include "model/ArgAnimationNode.h"
@@ -31,16 +30,12 @@ Ptr<RenderNode> renderOn(std::initializer_list<Ptr<Node>> parents) {
     return r;
 }
 
-TEST(RootNode, StartsAtVersionThreeWithEmptyBoxesAndNoLinks) {
+// The version and the empty boxes of a new root stand in the writer's minimal file, byte for byte.
+TEST(RootNode, StartsWithEmptyBoxesAndNoLinks) {
     Ptr<RootNode> root = createNodeAs<RootNode>("model::RootNode");
-    EXPECT_EQ(root->version, 3u);
     EXPECT_EQ(root->flags[0], 0);
     EXPECT_EQ(root->flags[1], 0);
     for (const Box* box : {&root->boundingBox, &root->userBox, &root->lightBox}) {
-        for (int i = 0; i < 3; ++i) {
-            EXPECT_EQ(std::bit_cast<std::uint32_t>(box->min[i]), 0x7F7FFFFFu);
-            EXPECT_EQ(std::bit_cast<std::uint32_t>(box->max[i]), 0xFF7FFFFFu);
-        }
         EXPECT_FALSE(box->isValid());
     }
     EXPECT_EQ(root->linkCount(), 0u);
