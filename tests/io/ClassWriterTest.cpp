@@ -6,7 +6,7 @@
 
 #include "core/ExtException.h"
 #include "core/Vfs.h"
-#include "io/FileBytes.h"
+#include "io/NqfBytes.h"
 #include "model/AnimatedFakeLights.h"
 #include "model/ArgAnimationNode.h"
 #include "model/Connector.h"
@@ -19,17 +19,21 @@
 #include "model/RootNode.h"
 #include "model/ShellNode.h"
 #include "model/io/ClassWriter10.h"
+#include "model/io/NqfReader.h"
 
 namespace {
 
 using namespace model;
-using testio::Bytes;
-using testio::FileCursor;
+using namespace model::io;
 
 std::vector<unsigned char> saveToBytes(RootNode& root) {
     std::vector<unsigned char> out;
     createClassWriter(10)->save(root, out);
     return out;
+}
+
+NqfDocument readBack(RootNode& root) {
+    return readNqf(saveToBytes(root));
 }
 
 std::string saveError(RootNode& root) {
@@ -63,40 +67,21 @@ Ptr<RenderNode> addRender(RootNode& root, const std::string& name, std::vector<P
 // The smallest model, to the byte: root record, one plain tree node, no groups.
 TEST(ClassWriter10, MinimalFileToTheByte) {
     Ptr<RootNode> root = makeRoot();
-    std::vector<unsigned char> file = saveToBytes(*root);
-
-    std::string table = std::string("model::RootNode\0", 16) +
-                        std::string("model::Property<unsigned int>\0", 30) +
-                        std::string("__VERSION__\0", 12) + std::string("model::Node\0", 12);
-    Bytes expected;
-    expected.raw("NQF").u16(10).u32(static_cast<std::uint32_t>(table.size())).raw(table).u64(0);
-    // Root record: class, inline name, reserved, properties with the version 3 added.
-    expected.u32(0).name("scene").u32(0).u32(1).u32(1).u32(2).u32(3);
-    const double emptyMin = std::bit_cast<float>(0x7F7FFFFFu);
-    const double emptyMax = std::bit_cast<float>(0xFF7FFFFFu);
+    nqftest::NqfBytes expected;
+    expected.u64(0);
+    // Root record: class, inline name, reserved, properties with the version 3 added, empty boxes.
+    nqftest::head(expected, "model::RootNode", "scene", 3);
     for (int box = 0; box < 3; ++box) {
-        for (int i = 0; i < 3; ++i) {
-            expected.f64(emptyMin);
-        }
-        for (int i = 0; i < 3; ++i) {
-            expected.f64(emptyMax);
+        for (std::uint32_t bits :
+             {0x7F7FFFFFu, 0x7F7FFFFFu, 0x7F7FFFFFu, 0xFF7FFFFFu, 0xFF7FFFFFu, 0xFF7FFFFFu}) {
+            expected.f64(std::bit_cast<float>(bits));
         }
     }
     expected.u32(0).u32(0).u32(0);  // materials, reserved, handles
     expected.u32(1);                // one tree node
-    expected.u32(3).name("top").u32(0).u32(0);
-    expected.u32(0xFFFFFFFFu);  // parent table
-    expected.u32(0);            // no groups
-    EXPECT_EQ(file, expected.data);
-    // The table was inserted at 5: bytes 13 to 16 belong to it, the reserved word follows it.
-    EXPECT_EQ(std::string(file.begin() + 9, file.begin() + 24), "model::RootNode");
-}
-
-TEST(ClassWriter10, SameTreeSavesToTheSameBytes) {
-    Ptr<RootNode> root = makeRoot();
-    MaterialPtr m(new PropertiesSet());
-    addRender(*root, "mesh", {root->rootNode()}, m);
-    EXPECT_EQ(saveToBytes(*root), saveToBytes(*root));
+    nqftest::head(expected, "model::Node", "top");
+    expected.u32(0xFFFFFFFFu).u32(0);  // parent table, no groups
+    EXPECT_EQ(saveToBytes(*root), expected.file());
 }
 
 TEST(ClassWriter10, TreeInPreOrderWithParentTable) {
@@ -107,45 +92,16 @@ TEST(ClassWriter10, TreeInPreOrderWithParentTable) {
     root->rootNode()->insert(nullptr, b);
     b->insert(nullptr, c);
     root->rootNode()->insert(nullptr, d);
-    NodeIndexMap indices = calcNumTransformNodes(root->rootNode());
-    EXPECT_EQ(indices.at(root->rootNode().get()), 0u);
-    EXPECT_EQ(indices.at(b.get()), 1u);
-    EXPECT_EQ(indices.at(c.get()), 2u);
-    EXPECT_EQ(indices.at(d.get()), 3u);
+    const NodeIndexMap indices = calcNumTransformNodes(root->rootNode());
+    EXPECT_EQ(indices, (NodeIndexMap{{root->rootNode().get(), 0}, {b.get(), 1}, {c.get(), 2}, {d.get(), 3}}));
 
-    FileCursor f(saveToBytes(*root));
-    f.str();
-    f.name();
-    f.skip(4);
-    std::uint32_t props = f.u32();
-    f.skip(props * 12 + 144 + 12);
-    ASSERT_EQ(f.u32(), 4u);
-    for (const char* expected : {"a", "b", "c", "d"}) {
-        EXPECT_EQ(f.str(), "model::Node");
-        EXPECT_EQ(f.name(), expected);
-        f.skip(8);
+    const NqfDocument doc = readBack(*root);
+    ASSERT_EQ(doc.tree.size(), 4u);
+    for (std::size_t i = 0; i < 4; ++i) {
+        EXPECT_EQ(doc.tree[i].head, (NqfHead{"model::Node", std::string(1, char('a' + i)), {}, 0}));
     }
-    EXPECT_EQ(f.u32(), 0xFFFFFFFFu);
-    EXPECT_EQ(f.u32(), 0u);
-    EXPECT_EQ(f.u32(), 1u);
-    EXPECT_EQ(f.u32(), 0u);
-    EXPECT_EQ(f.u32(), 0u);
-    EXPECT_TRUE(f.atEnd());
-}
-
-// Skips the root record and the tree of a model whose tree is one plain node and whose root
-// properties are only the version.
-void skipToGroups(FileCursor& f, std::uint32_t materials) {
-    f.str();
-    f.name();
-    f.skip(4 + 4 + 12 + 144);
-    ASSERT_EQ(f.u32(), materials);
-    ASSERT_EQ(materials, 0u) << "helper skips no materials";
-    f.skip(8);
-    ASSERT_EQ(f.u32(), 1u);
-    f.str();
-    f.name();
-    f.skip(8 + 4);
+    EXPECT_EQ(doc.parents, (std::vector<std::uint32_t>{0xFFFFFFFFu, 0, 1, 0}));
+    EXPECT_TRUE(doc.groups.empty());
 }
 
 TEST(ClassWriter10, GroupsInFileOrderAndEmptyOnesLeftOut) {
@@ -161,28 +117,18 @@ TEST(ClassWriter10, GroupsInFileOrderAndEmptyOnesLeftOut) {
     shell->controlNode = root->rootNode();
     root->addShellNode(shell);
 
-    FileCursor f(saveToBytes(*root));
-    skipToGroups(f, 0);
-    EXPECT_EQ(f.u32(), 3u);
-    EXPECT_EQ(f.str(), "CONNECTORS");
-    EXPECT_EQ(f.u32(), 1u);
-    EXPECT_EQ(f.str(), "model::Connector");
-    EXPECT_EQ(f.name(), "hook");
-    f.skip(4);
-    EXPECT_EQ(f.u32(), 0u) << "no properties";
-    EXPECT_EQ(f.u32(), 0u) << "control node index";
-    EXPECT_EQ(f.u32(), 0u) << "reserved";
-    EXPECT_EQ(f.str(), "SHELL_NODES");
-    EXPECT_EQ(f.u32(), 1u);
-    EXPECT_EQ(f.str(), "model::ShellNode");
-    f.name();
-    f.skip(8);
-    EXPECT_EQ(f.u32(), 0u);
-    EXPECT_EQ(f.u32(), 27u) << "format block";
-    f.skip(27 + 8);  // format, empty vertices
-    EXPECT_EQ(f.u8(), 0) << "index width";
-    f.skip(8);
-    EXPECT_EQ(f.str(), "LIGHT_NODES");
+    const NqfDocument doc = readBack(*root);
+    ASSERT_EQ(doc.groups.size(), 3u);
+    EXPECT_EQ(doc.groups[0].name, "CONNECTORS");
+    ASSERT_EQ(doc.groups[0].nodes.size(), 1u);
+    EXPECT_EQ(doc.groups[0].nodes[0].head, (NqfHead{"model::Connector", "hook", {}, 0}));
+    EXPECT_EQ(std::get<NqfConnectorBody>(doc.groups[0].nodes[0].body).controlNode, 0u);
+    EXPECT_EQ(doc.groups[1].name, "SHELL_NODES");
+    const auto& written = std::get<NqfShellBody>(doc.groups[1].nodes.at(0).body);
+    EXPECT_EQ(written.format, (std::array<std::uint8_t, 27>{}));
+    EXPECT_EQ(written.vertices, NqfVertices{});
+    EXPECT_EQ(written.indices, (NqfIndices{0, 5, {}}));
+    EXPECT_EQ(doc.groups[2].name, "LIGHT_NODES");
 }
 
 TEST(ClassWriter10, OneLinkAndTwoLinkRenderRecordsDiffer) {
@@ -207,13 +153,14 @@ TEST(ClassWriter10, OneLinkAndTwoLinkRenderRecordsDiffer) {
                                           file.end() - static_cast<std::ptrdiff_t>(fromEnd - n));
     };
     // Tail: links, empty vertices (8), indices (1 + 4 + 4).
-    EXPECT_EQ(linkBytes(one, 4 + 8 + 8 + 9, 12), (Bytes().u32(1).u32(1).u32(7).data));
+    EXPECT_EQ(linkBytes(one, 4 + 8 + 8 + 9, 12), (nqftest::NqfBytes().u32(1).u32(1).u32(7).body));
     EXPECT_EQ(linkBytes(two, 4 + 24 + 8 + 9, 28),
-              (Bytes().u32(2).u32(1).u32(0).u32(7).u32(0).u32(0).u32(7).data));
+              (nqftest::NqfBytes().u32(2).u32(1).u32(0).u32(7).u32(0).u32(0).u32(7).body));
 }
 
 TEST(ClassWriter10, LightRecordsAtVersionZeroAndThree) {
     for (std::uint32_t version : {0u, 3u}) {
+        SCOPED_TRACE(version);
         Ptr<RootNode> root = makeRoot();
         Ptr<LightNode> light = createNodeAs<LightNode>("model::LightNode");
         light->controlNode = root->rootNode();
@@ -224,41 +171,31 @@ TEST(ClassWriter10, LightRecordsAtVersionZeroAndThree) {
         }
         ASSERT_EQ(light->version, version);
         root->addLightNode(light);
-        FileCursor f(saveToBytes(*root));
-        skipToGroups(f, 0);
-        ASSERT_EQ(f.u32(), 1u);
-        EXPECT_EQ(f.str(), "LIGHT_NODES");
-        EXPECT_EQ(f.u32(), 1u);
-        EXPECT_EQ(f.str(), "model::LightNode");
-        f.name();
-        f.skip(4);
-        std::uint32_t props = f.u32();
-        EXPECT_EQ(props, version == 3 ? 1u : 0u) << "the version travels as __VERSION__";
-        if (props) {
-            EXPECT_EQ(f.str(), "model::Property<unsigned int>");
-            EXPECT_EQ(f.str(), "__VERSION__");
-            EXPECT_EQ(f.u32(), 3u);
-        }
-        EXPECT_EQ(f.u32(), 0u) << "control node";
-        EXPECT_EQ(f.u8(), 0) << "light flag";
-        std::uint32_t count = f.u32();
-        EXPECT_EQ(count, version == 3 ? 10u : 7u);
-        EXPECT_EQ(f.str(), "model::Property<osg::Vec3f>");
-        EXPECT_EQ(f.str(), "Color");
-        f.skip(12);
-        for (std::uint32_t i = 1; i < count; ++i) {
-            EXPECT_EQ(f.str(), "model::Property<float>");
-            std::string name = f.str();
-            float value = f.f32();
-            if (name == "DensityFactor") {
-                EXPECT_EQ(value, 0.5f);
+        const NqfDocument doc = readBack(*root);
+        ASSERT_EQ(doc.groups.size(), 1u);
+        EXPECT_EQ(doc.groups[0].name, "LIGHT_NODES");
+        ASSERT_EQ(doc.groups[0].nodes.size(), 1u);
+        const NqfNode& node = doc.groups[0].nodes[0];
+        EXPECT_EQ(node.head.className, "model::LightNode");
+        // The version travels as "__VERSION__", and only when it is not 0.
+        const std::vector<NqfProperty> versionProperty = {
+            {"model::Property<unsigned int>", "__VERSION__", {}, 3, "", kNoIndex, {}}};
+        EXPECT_EQ(node.head.properties, version == 3 ? versionProperty : std::vector<NqfProperty>{});
+        const auto& body = std::get<NqfLightBody>(node.body);
+        EXPECT_EQ(body.link, 0u);
+        EXPECT_EQ(body.lightFlag, 0);
+        ASSERT_EQ(body.properties.size(), version == 3 ? 10u : 7u);
+        EXPECT_EQ(body.properties[0].className, "model::Property<osg::Vec3f>");
+        EXPECT_EQ(body.properties[0].name, "Color");
+        for (std::size_t i = 1; i < body.properties.size(); ++i) {
+            EXPECT_EQ(body.properties[i].className, "model::Property<float>");
+            if (body.properties[i].name == "DensityFactor") {
+                EXPECT_EQ(body.properties[i].floats, std::vector<float>{0.5f});
             }
         }
-        if (version == 3) {
-            EXPECT_EQ(f.u8(), 2) << "light kind";
-        }
-        EXPECT_EQ(f.u8(), 0) << "no texture";
-        EXPECT_TRUE(f.atEnd());
+        EXPECT_EQ(body.hasLightKind, version == 3);
+        EXPECT_EQ(body.lightKind, version == 3 ? 2 : 0);
+        EXPECT_FALSE(body.hasTexture);
     }
 }
 
@@ -266,15 +203,12 @@ TEST(ClassWriter10, VersionPropertyIsAddedToACopyOnly) {
     Ptr<RootNode> root = makeRoot();
     root->properties.push_back(createUIntProperty("__VERSION__", 1));
     root->properties.push_back(createFloatProperty("after", 2.0f));
-    FileCursor f(saveToBytes(*root));
-    f.str();
-    f.name();
-    f.skip(4);
-    ASSERT_EQ(f.u32(), 2u);
-    EXPECT_EQ(f.str(), "model::Property<unsigned int>");
-    EXPECT_EQ(f.str(), "__VERSION__");
-    EXPECT_EQ(f.u32(), 3u) << "replaced in place by the class version";
-    EXPECT_EQ(f.str(), "model::Property<float>");
+    const NqfDocument doc = readBack(*root);
+    ASSERT_EQ(doc.root.head.properties.size(), 2u);
+    // Replaced in place by the class version.
+    EXPECT_EQ(doc.root.head.properties[0],
+              (NqfProperty{"model::Property<unsigned int>", "__VERSION__", {}, 3, "", kNoIndex, {}}));
+    EXPECT_EQ(doc.root.head.properties[1].className, "model::Property<float>");
     EXPECT_EQ(root->properties.size(), 2u);
     std::uint32_t stored = 0;
     ASSERT_TRUE(getProperty(root->properties, "__VERSION__", stored));
@@ -292,29 +226,15 @@ TEST(ClassWriter10, NamesOfAnyLengthStandInlineBeforeTheProperties) {
     root->rootNode()->insert(nullptr, createNode(""));
     root->rootNode()->properties.push_back(createFloatProperty("q", 2.5f));
 
-    FileCursor f(saveToBytes(*root));
-    EXPECT_EQ(f.str(), "model::RootNode");
-    EXPECT_EQ(f.name(), root->name);
-    EXPECT_EQ(f.u32(), 0u);
-    ASSERT_EQ(f.u32(), 1u);
-    f.skip(12 + 144 + 12);
-    ASSERT_EQ(f.u32(), 3u);
-    const std::pair<std::string, float> nodes[] = {{std::string(112, 'a'), 2.5f},
-                                                   {std::string(113, 'b'), 1.5f}};
-    for (const auto& [name, value] : nodes) {
-        EXPECT_EQ(f.str(), "model::Node");
-        EXPECT_EQ(f.name(), name);
-        EXPECT_EQ(f.u32(), 0u);
-        ASSERT_EQ(f.u32(), 1u);
-        EXPECT_EQ(f.str(), "model::Property<float>");
-        f.str();
-        EXPECT_EQ(f.f32(), value);
-    }
-    EXPECT_EQ(f.str(), "model::Node");
-    EXPECT_EQ(f.name(), "");
-    EXPECT_EQ(f.u32(), 0u);
-    EXPECT_EQ(f.u32(), 0u);
-    EXPECT_EQ(f.u32(), 0xFFFFFFFFu) << "the parent table follows the last record";
+    const NqfDocument doc = readBack(*root);
+    EXPECT_EQ(doc.root.head.name, root->name);
+    EXPECT_EQ(doc.root.head.version, 3u);
+    const NqfProperty q{"model::Property<float>", "q", {2.5f}, 0, "", kNoIndex, {}};
+    const NqfProperty p{"model::Property<float>", "p", {1.5f}, 0, "", kNoIndex, {}};
+    ASSERT_EQ(doc.tree.size(), 3u);
+    EXPECT_EQ(doc.tree[0].head, (NqfHead{"model::Node", std::string(112, 'a'), {q}, 0}));
+    EXPECT_EQ(doc.tree[1].head, (NqfHead{"model::Node", std::string(113, 'b'), {p}, 0}));
+    EXPECT_EQ(doc.tree[2].head, (NqfHead{"model::Node", "", {}, 0}));
 }
 
 TEST(ClassWriter10, RecordFailuresCarryTheirTexts) {

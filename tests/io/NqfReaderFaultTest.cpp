@@ -25,7 +25,12 @@ std::string faultOf(const NqfBytes& b) {
     return faultOf(b.file());
 }
 
-// A file with one record in one group; `at` receives the record's body offset.
+// Checks the exact fault of a file; "{}" in the message stands for the file offset of `bodyAt`.
+void expectFault(const NqfBytes& b, std::size_t bodyAt, std::string_view message) {
+    EXPECT_EQ(faultOf(b), fmt::format(fmt::runtime(message), b.at(bodyAt)));
+}
+
+// A file with one record in one group.
 NqfBytes oneRecord(const std::string& group, const Writer& record) {
     return groupFile({{group, {record}}});
 }
@@ -44,22 +49,21 @@ TEST(NqfReaderFault, Header) {
     bad = bytes;
     bad[5] = 0xFF;
     bad[6] = 0xFF;
-    EXPECT_EQ(faultOf(bad),
-              fmt::format("error at byte 5 in string table: expected a string table size whose entries "
-                          "fit in the {} bytes left (at least 1 bytes each), found {}",
-                          bytes.size() - 9, (bytes[7] << 16) + 0xFFFF));
+    EXPECT_EQ(faultOf(bad), fmt::format("error at byte 5 in string table: expected a string table size whose "
+                                        "entries fit in the {} bytes left (at least 1 bytes each), found {}",
+                                        bytes.size() - 9, (bytes[7] << 16) + 0xFFFF));
 
     NqfBytes b = groupFile({});
     b.body[3] = 1;  // the reserved word after the table
-    EXPECT_EQ(faultOf(b),
-              fmt::format("error at byte {} in header: expected reserved word 0, found 16777216", b.at(0)));
+    expectFault(b, 0, "error at byte {} in header: expected reserved word 0, found 16777216");
 
     bytes = groupFile({}).file();
     bytes.push_back(0);
-    EXPECT_EQ(faultOf(bytes),
-              fmt::format("error at byte {} in file: expected the end of the file after the last "
-                          "group, found 1 more bytes",
-                          bytes.size() - 1));
+    EXPECT_EQ(
+        faultOf(bytes),
+        fmt::format(
+            "error at byte {} in file: expected the end of the file after the last group, found 1 more bytes",
+            bytes.size() - 1));
 }
 
 TEST(NqfReaderFault, StringTable) {
@@ -68,16 +72,14 @@ TEST(NqfReaderFault, StringTable) {
     std::vector<std::uint8_t> bytes = valid.file();
     auto bad = bytes;
     bad[9 + table - 1] = 'x';
-    EXPECT_EQ(faultOf(bad),
-              fmt::format("error at byte {} in string table: expected a NUL byte at the end of the "
-                          "string table, found 0x78",
-                          9 + table - 1));
+    EXPECT_EQ(faultOf(bad), fmt::format("error at byte {} in string table: expected a NUL byte at the end of "
+                                        "the string table, found 0x78",
+                                        9 + table - 1));
     bad = bytes;
     bad[9 + 15] = 'A';  // "model::RootNode" runs into the next string
-    EXPECT_EQ(faultOf(bad),
-              fmt::format("error at byte {} in root: expected the class name of the root record, found "
-                          "\"model::RootNodeAmodel::Property<unsigned int>\"",
-                          valid.at(8)));
+    EXPECT_EQ(faultOf(bad), fmt::format("error at byte {} in root: expected the class name of the root "
+                                        "record, found \"model::RootNodeAmodel::Property<unsigned int>\"",
+                                        valid.at(8)));
     bad = bytes;
     bad[9 + 1] = 0xC0;  // an overlong form
     EXPECT_EQ(faultOf(bad),
@@ -90,24 +92,22 @@ TEST(NqfReaderFault, StringTable) {
                                         9 + table, dup.strings.size() - 1));
     NqfBytes unused = groupFile({});
     unused.strings.push_back("spare");
-    EXPECT_EQ(faultOf(unused),
-              fmt::format("error at byte 9 in file: expected every string of the table in use, "
-                          "found 1 of {} strings never referred to",
-                          unused.strings.size()));
+    EXPECT_EQ(faultOf(unused), fmt::format("error at byte 9 in file: expected every string of the table in "
+                                           "use, found 1 of {} strings never referred to",
+                                           unused.strings.size()));
 
     // References must be in range, and the first reference to each string comes in table order.
     NqfBytes range = groupFile({});
     range.body[8] = 200;
     EXPECT_EQ(faultOf(range),
-              fmt::format("error at byte {} in root: expected a string reference below {} for class "
-                          "name, found 200",
-                          range.at(8), range.strings.size()));
+              fmt::format(
+                  "error at byte {} in root: expected a string reference below {} for class name, found 200",
+                  range.at(8), range.strings.size()));
     NqfBytes order = groupFile({});
     order.body[8] = 1;
-    EXPECT_EQ(faultOf(order),
-              fmt::format("error at byte {} in root: expected a string reference at most 0 for class "
-                          "name (strings are stored in order of first use), found 1",
-                          order.at(8)));
+    expectFault(order, 8,
+                "error at byte {} in root: expected a string reference at most 0 for class name (strings are "
+                "stored in order of first use), found 1");
 }
 
 TEST(NqfReaderFault, ClassNamesWhereTheyStand) {
@@ -118,19 +118,17 @@ TEST(NqfReaderFault, ClassNamesWhereTheyStand) {
                                   head(b, "model::RenderNode", "r");
                               }},
                              {0xFFFFFFFF, 0}, {});
-    EXPECT_EQ(faultOf(tree),
-              fmt::format("error at byte {} in tree[1]: expected the class name of a tree node, found "
-                          "\"model::RenderNode\"",
-                          tree.at(at)));
+    expectFault(
+        tree, at,
+        "error at byte {} in tree[1]: expected the class name of a tree node, found \"model::RenderNode\"");
 
     NqfBytes shell = oneRecord("SHELL_NODES", [&](NqfBytes& b) {
         at = b.size();
         head(b, "model::RenderNode", "r");
     });
-    EXPECT_EQ(faultOf(shell),
-              fmt::format("error at byte {} in SHELL_NODES[0]: expected the class name of a shell "
-                          "node, found \"model::RenderNode\"",
-                          shell.at(at)));
+    expectFault(shell, at,
+                "error at byte {} in SHELL_NODES[0]: expected the class name of a shell node, found "
+                "\"model::RenderNode\"");
 
     // An animation node is saved under the narrowest of four names that fits its channels.
     // A channel counts only when it has keys: here position and scale keys, and an empty rotation channel.
@@ -150,11 +148,9 @@ TEST(NqfReaderFault, ClassNamesWhereTheyStand) {
                         {0xFFFFFFFF, 0}, {}, 1);
     };
     NqfBytes anim = animation("model::ArgPositionNode", 1);
-    EXPECT_EQ(faultOf(anim),
-              fmt::format("error at byte {} in tree[1]: expected the class name "
-                          "\"model::ArgAnimationNode\" for keys in position and scale channels, "
-                          "found \"model::ArgPositionNode\"",
-                          anim.at(at)));
+    expectFault(anim, at,
+                "error at byte {} in tree[1]: expected the class name \"model::ArgAnimationNode\" for keys "
+                "in position and scale channels, found \"model::ArgPositionNode\"");
     EXPECT_EQ(faultOf(animation("model::ArgPositionNode", 0)), "no fault");
 
     NqfBytes version = treeFile({[&](NqfBytes& b) {
@@ -164,45 +160,37 @@ TEST(NqfReaderFault, ClassNamesWhereTheyStand) {
                                     });
                                 }},
                                 {0xFFFFFFFF}, {});
-    EXPECT_EQ(faultOf(version),
-              fmt::format("error at byte {} in tree[0].properties[0]: expected the class "
-                          "\"model::Property<unsigned int>\" for the class version \"__VERSION__\", "
-                          "found \"model::Property<float>\"",
-                          version.at(at)));
+    expectFault(version, at,
+                "error at byte {} in tree[0].properties[0]: expected the class \"model::Property<unsigned "
+                "int>\" for the class version \"__VERSION__\", found \"model::Property<float>\"");
 }
 
 TEST(NqfReaderFault, TreeAndGroups) {
     NqfBytes first = treeFile({plainNode}, {0}, {});
-    EXPECT_EQ(faultOf(first),
-              fmt::format("error at byte {} in parents[0]: expected 0xFFFFFFFF for the tree's root, "
-                          "found 0",
-                          first.at(first.size() - 8)));
+    expectFault(first, first.size() - 8,
+                "error at byte {} in parents[0]: expected 0xFFFFFFFF for the tree's root, found 0");
     // 0 -> 1 -> 2, then 3 under 2's sibling position is fine, but a parent below 3 that is not
     // an ancestor of 2 breaks pre-order.
     NqfBytes order = treeFile({plainNode, plainNode, plainNode, plainNode}, {0xFFFFFFFF, 0, 1, 3}, {});
-    EXPECT_EQ(faultOf(order),
-              fmt::format("error at byte {} in parents[3]: expected the index of node 2 or of one "
-                          "of its ancestors (the tree is in pre-order), found 3",
-                          order.at(order.size() - 8)));
+    expectFault(order, order.size() - 8,
+                "error at byte {} in parents[3]: expected the index of node 2 or of one of its ancestors "
+                "(the tree is in pre-order), found 3");
     NqfBytes link = oneRecord("CONNECTORS", [](NqfBytes& b) {
         head(b, "model::Connector", "c");
         b.u32(2).u32(0);
     });
-    EXPECT_EQ(faultOf(link),
-              fmt::format("error at byte {} in CONNECTORS[0]: expected a tree node index below 2 for "
-                          "control node, found 2",
-                          link.at(link.size() - 8)));
+    expectFault(
+        link, link.size() - 8,
+        "error at byte {} in CONNECTORS[0]: expected a tree node index below 2 for control node, found 2");
 
     NqfBytes five = groupFile({});
     five.body[five.size() - 4] = 5;
-    EXPECT_EQ(faultOf(five),
-              fmt::format("error at byte {} in groups: expected a group count of 0 to 4, found 5",
-                          five.at(five.size() - 4)));
+    expectFault(five, five.size() - 4,
+                "error at byte {} in groups: expected a group count of 0 to 4, found 5");
     NqfBytes empty = groupFile({{"CONNECTORS", {}}});
-    EXPECT_EQ(faultOf(empty),
-              fmt::format("error at byte {} in groups[0]: expected a non-empty group (empty groups "
-                          "are left out), found 0 nodes",
-                          empty.at(empty.size() - 4)));
+    expectFault(empty, empty.size() - 4,
+                "error at byte {} in groups[0]: expected a non-empty group (empty groups are left out), "
+                "found 0 nodes");
     NqfBytes after = groupFile({{"RENDER_NODES", {[](NqfBytes& b) {
                                      renderHead(b, "model::RenderNode", "r");
                                      b.u32(0);
@@ -210,10 +198,9 @@ TEST(NqfReaderFault, TreeAndGroups) {
                                      indices(b, 0, {});
                                  }}},
                                 {"RENDER_NODES", {}}});
-    EXPECT_EQ(faultOf(after),
-              fmt::format("error at byte {} in groups[1]: expected no group after \"RENDER_NODES\", "
-                          "found \"RENDER_NODES\"",
-                          after.at(after.size() - 8)));
+    expectFault(
+        after, after.size() - 8,
+        "error at byte {} in groups[1]: expected no group after \"RENDER_NODES\", found \"RENDER_NODES\"");
     const Writer connector = [](NqfBytes& b) {
         head(b, "model::Connector", "c");
         b.u32(1).u32(0);
@@ -227,10 +214,9 @@ TEST(NqfReaderFault, TreeAndGroups) {
                                   {"CONNECTORS", {connector}}});
     // The last group: its name, its count and the 25-byte connector record.
     const std::size_t second = swapped.size() - 4 - 4 - 25;
-    EXPECT_EQ(faultOf(swapped),
-              fmt::format("error at byte {} in groups[1]: expected the group name \"RENDER_NODES\", "
-                          "found \"CONNECTORS\"",
-                          swapped.at(second)));
+    expectFault(
+        swapped, second,
+        "error at byte {} in groups[1]: expected the group name \"RENDER_NODES\", found \"CONNECTORS\"");
 }
 
 TEST(NqfReaderFault, Materials) {
@@ -295,20 +281,16 @@ TEST(NqfReaderFault, Materials) {
          "error at byte {} in root.materials[0].SHADOWS: expected shadow flags 0, 1, 4 or 5, found 2"},
         {both, kSecondSlot, -1,
          "error at byte {} in root.materials[0].TEXTURES[1]: expected no texture in slot 13 when slot 2 has "
-         "one "
-         "(slot 13 clears slot 2), found both"},
+         "one (slot 13 clears slot 2), found both"},
         {down, kSecondSlot, -1,
          "error at byte {} in root.materials[0].TEXTURES[1]: expected a texture slot from 5 to 18 (slots "
-         "ascend), "
-         "found 3"},
+         "ascend), found 3"},
         {unnamed, kFirstName, -1,
          "error at byte {} in root.materials[0].TEXTURES[0]: expected a texture name (slots without one are "
-         "left "
-         "out), found an empty name"},
+         "left out), found an empty name"},
         {wrongList, kAnimatedClass, -1,
          "error at byte {} in root.materials[0].ANIMATED_UNIFORMS[0]: expected an animated property class, "
-         "found "
-         "\"model::Property<float>\""},
+         "found \"model::Property<float>\""},
     };
     for (const Case& c : cases) {
         NqfBytes b;
@@ -328,10 +310,9 @@ TEST(NqfReaderFault, Materials) {
     d.u32(0).u32(0);
     const std::size_t decalAt = d.size() - 17;
     d.body[decalAt] = 0;
-    EXPECT_EQ(faultOf(d),
-              fmt::format("error at byte {} in root.materials[0].DECAL: expected a non-zero decal (a zero "
-                          "decal is left out), found 0",
-                          d.at(decalAt)));
+    expectFault(d, decalAt,
+                "error at byte {} in root.materials[0].DECAL: expected a non-zero decal (a zero decal is "
+                "left out), found 0");
     std::size_t at = 0;
     NqfBytes index = oneRecord("RENDER_NODES", [&](NqfBytes& b) {
         head(b, "model::RenderNode", "r");
@@ -340,10 +321,7 @@ TEST(NqfReaderFault, Materials) {
         vertices(b, 0, 0);
         indices(b, 0, {});
     });
-    EXPECT_EQ(faultOf(index),
-              fmt::format("error at byte {} in RENDER_NODES[0]: expected a material index below 1, "
-                          "found 1",
-                          index.at(at)));
+    expectFault(index, at, "error at byte {} in RENDER_NODES[0]: expected a material index below 1, found 1");
 }
 
 TEST(NqfReaderFault, VerticesAndIndices) {
@@ -362,25 +340,22 @@ TEST(NqfReaderFault, VerticesAndIndices) {
     };
     // A block larger than the file is refused before anything is allocated.
     NqfBytes huge = shellWith(0xFFFFFFFF, 0xFFFFFFFF, [](NqfBytes&) {});
-    EXPECT_EQ(faultOf(huge),
-              fmt::format("error at byte {} in SHELL_NODES[0].vertices: expected 4294967295 vertices "
-                          "of 4294967295 floats each, found only 0 bytes left",
-                          huge.at(at + 8)));
+    expectFault(huge, at + 8,
+                "error at byte {} in SHELL_NODES[0].vertices: expected 4294967295 vertices of 4294967295 "
+                "floats each, found only 0 bytes left");
     NqfBytes none = shellWith(0, 3, [](NqfBytes& b) { indices(b, 0, {}); });
-    EXPECT_EQ(faultOf(none),
-              fmt::format("error at byte {} in SHELL_NODES[0].vertices: expected 0 floats per vertex "
-                          "for no vertices, found 0",
-                          none.at(at + 4)));
+    expectFault(
+        none, at + 4,
+        "error at byte {} in SHELL_NODES[0].vertices: expected 0 floats per vertex for no vertices, found 0");
     // Indices: each below the vertex count, stored in the narrowest width.
     NqfBytes past = shellWith(3, 1, [&](NqfBytes& b) {
         b.f32s({0, 1, 2});
         indices(b, 0, {0, 3});
         at = b.size() - 1;
     });
-    EXPECT_EQ(faultOf(past),
-              fmt::format("error at byte {} in SHELL_NODES[0].indices[1]: expected an index below the "
-                          "vertex count 3, found 3",
-                          past.at(at)));
+    expectFault(
+        past, at,
+        "error at byte {} in SHELL_NODES[0].indices[1]: expected an index below the vertex count 3, found 3");
     NqfBytes wide = shellWith(300, 1, [&](NqfBytes& b) {
         for (int i = 0; i < 300; ++i) {
             b.f32(0);
@@ -388,28 +363,25 @@ TEST(NqfReaderFault, VerticesAndIndices) {
         at = b.size();
         indices(b, 1, {0, 255});
     });
-    EXPECT_EQ(faultOf(wide),
-              fmt::format("error at byte {} in SHELL_NODES[0].indices: expected index width tag 0 (the "
-                          "narrowest for the largest index 255), found 1",
-                          wide.at(at)));
+    expectFault(wide, at,
+                "error at byte {} in SHELL_NODES[0].indices: expected index width tag 0 (the narrowest for "
+                "the largest index 255), found 1");
     NqfBytes tag = shellWith(1, 1, [&](NqfBytes& b) {
         b.f32(0);
         at = b.size();
         indices(b, 3, {});
     });
-    EXPECT_EQ(faultOf(tag),
-              fmt::format("error at byte {} in SHELL_NODES[0].indices: expected an index width tag of "
-                          "0, 1 or 2, found 3",
-                          tag.at(at)));
+    expectFault(
+        tag, at,
+        "error at byte {} in SHELL_NODES[0].indices: expected an index width tag of 0, 1 or 2, found 3");
     NqfBytes many = shellWith(1, 1, [&](NqfBytes& b) {
         b.f32(0);
         b.u8(2).u32(1000).u32(5).u32(0);
         at = b.size() - 4;
     });
-    EXPECT_EQ(faultOf(many),
-              fmt::format("error at byte {} in SHELL_NODES[0].indices: expected 1000 indices of 4 "
-                          "bytes, found only 4 bytes left",
-                          many.at(at)));
+    expectFault(many, at,
+                "error at byte {} in SHELL_NODES[0].indices: expected 1000 indices of 4 bytes, found only 4 "
+                "bytes left");
 }
 
 TEST(NqfReaderFault, CountsBeyondTheFileAllocateNothing) {
@@ -420,28 +392,25 @@ TEST(NqfReaderFault, CountsBeyondTheFileAllocateNothing) {
                                   b.u32(0xFFFFFFFF);
                               }},
                               {0xFFFFFFFF}, {});
-    EXPECT_EQ(faultOf(props),
-              fmt::format("error at byte {} in tree[0].properties: expected a property count whose "
-                          "entries fit in the 8 bytes left (at least 12 bytes each), found 4294967295",
-                          props.at(at)));
+    expectFault(props, at,
+                "error at byte {} in tree[0].properties: expected a property count whose entries fit in the "
+                "8 bytes left (at least 12 bytes each), found 4294967295");
     NqfBytes name = treeFile({[&](NqfBytes& b) {
                                  b.sref("model::Node");
                                  at = b.size();
                                  b.u32(0x7FFFFFFF).u32(0);
                              }},
                              {0xFFFFFFFF}, {});
-    EXPECT_EQ(faultOf(name),
-              fmt::format("error at byte {} in tree[0]: expected a name length whose entries fit in "
-                          "the 12 bytes left (at least 1 bytes each), found 2147483647",
-                          name.at(at)));
+    expectFault(name, at,
+                "error at byte {} in tree[0]: expected a name length whose entries fit in the 12 bytes left "
+                "(at least 1 bytes each), found 2147483647");
     NqfBytes nodes;
     root(nodes);
     at = nodes.size();
     nodes.u32(0xFFFFFFFF);
-    EXPECT_EQ(faultOf(nodes),
-              fmt::format("error at byte {} in tree: expected a tree node count whose entries fit in "
-                          "the 0 bytes left (at least 20 bytes each), found 4294967295",
-                          nodes.at(at)));
+    expectFault(nodes, at,
+                "error at byte {} in tree: expected a tree node count whose entries fit in the 0 bytes left "
+                "(at least 20 bytes each), found 4294967295");
 }
 
 TEST(NqfReaderFault, NodeRecords) {
@@ -454,10 +423,9 @@ TEST(NqfReaderFault, NodeRecords) {
         lightProperties(b, 7);
         b.u8(0);
     });
-    EXPECT_EQ(faultOf(light),
-              fmt::format("error at byte {} in LIGHT_NODES[0]: expected 10 light properties at class "
-                          "version 3, found 7",
-                          light.at(at)));
+    expectFault(
+        light, at,
+        "error at byte {} in LIGHT_NODES[0]: expected 10 light properties at class version 3, found 7");
     NqfBytes texture = oneRecord("LIGHT_NODES", [&](NqfBytes& b) {
         head(b, "model::LightNode", "l");
         b.u32(0).u8(0).u32(7);
@@ -465,10 +433,8 @@ TEST(NqfReaderFault, NodeRecords) {
         at = b.size();
         b.u8(2);
     });
-    EXPECT_EQ(faultOf(texture),
-              fmt::format("error at byte {} in LIGHT_NODES[0]: expected a texture flag of 0 or 1, "
-                          "found 2",
-                          texture.at(at)));
+    expectFault(texture, at,
+                "error at byte {} in LIGHT_NODES[0]: expected a texture flag of 0 or 1, found 2");
     NqfBytes handle =
         treeFile({[&](NqfBytes& b) {
                      head(b, "model::ArgRotationNode", "r");
@@ -477,10 +443,9 @@ TEST(NqfReaderFault, NodeRecords) {
                      b.u32(0xFFFFFFFF).u32(0).u32(0);
                  }},
                  {0xFFFFFFFF}, {});
-    EXPECT_EQ(faultOf(handle),
-              fmt::format("error at byte {} in tree[0].rotation[0]: expected a valid rotation "
-                          "handle, found 0xFFFFFFFF",
-                          handle.at(at)));
+    expectFault(
+        handle, at,
+        "error at byte {} in tree[0].rotation[0]: expected a valid rotation handle, found 0xFFFFFFFF");
     // Two links carry a reserved word between node and argument; one link does not.
     NqfBytes links = oneRecord("RENDER_NODES", [&](NqfBytes& b) {
         renderHead(b, "model::RenderNode", "r");
@@ -490,10 +455,7 @@ TEST(NqfReaderFault, NodeRecords) {
         vertices(b, 0, 0);
         indices(b, 0, {});
     });
-    EXPECT_EQ(faultOf(links),
-              fmt::format("error at byte {} in RENDER_NODES[0].links[0]: expected reserved word 0, "
-                          "found 5",
-                          links.at(at)));
+    expectFault(links, at, "error at byte {} in RENDER_NODES[0].links[0]: expected reserved word 0, found 5");
     NqfBytes box = oneRecord("RENDER_NODES", [&](NqfBytes& b) {
         renderHead(b, "model::SkinNode", "s", 1);
         b.u32(0).u32(0).f32s({0, 0, 0});
@@ -502,10 +464,9 @@ TEST(NqfReaderFault, NodeRecords) {
         vertices(b, 0, 0);
         indices(b, 0, {});
     });
-    EXPECT_EQ(faultOf(box),
-              fmt::format("error at byte {} in RENDER_NODES[0]: expected a valid box (each maximum at "
-                          "least its minimum), found minimum 0 and maximum -1 on axis 1",
-                          box.at(at)));
+    expectFault(box, at,
+                "error at byte {} in RENDER_NODES[0]: expected a valid box (each maximum at least its "
+                "minimum), found minimum 0 and maximum -1 on axis 1");
     auto animatedOmni = [&](std::uint32_t argument, std::uint32_t stride, std::uint32_t values,
                             std::size_t field) {
         return oneRecord("RENDER_NODES", [=, &at](NqfBytes& b) {
@@ -520,20 +481,15 @@ TEST(NqfReaderFault, NodeRecords) {
         });
     };
     NqfBytes arg = animatedOmni(0xFFFFFFFF, 128, 128, 0);
-    EXPECT_EQ(faultOf(arg),
-              fmt::format("error at byte {} in RENDER_NODES[0].animation: expected a valid argument, "
-                          "found 0xFFFFFFFF",
-                          arg.at(at)));
+    expectFault(arg, at,
+                "error at byte {} in RENDER_NODES[0].animation: expected a valid argument, found 0xFFFFFFFF");
     NqfBytes stride = animatedOmni(0, 127, 127, 1);
-    EXPECT_EQ(faultOf(stride),
-              fmt::format("error at byte {} in RENDER_NODES[0].animation: expected 128 values per "
-                          "light, found 127",
-                          stride.at(at)));
+    expectFault(stride, at,
+                "error at byte {} in RENDER_NODES[0].animation: expected 128 values per light, found 127");
     NqfBytes values = animatedOmni(0, 128, 129, 2);
-    EXPECT_EQ(faultOf(values),
-              fmt::format("error at byte {} in RENDER_NODES[0].animation: expected 128 values, 128 "
-                          "for each of 1 lights, found 129",
-                          values.at(at)));
+    expectFault(values, at,
+                "error at byte {} in RENDER_NODES[0].animation: expected 128 values, 128 for each of 1 "
+                "lights, found 129");
     // Version 2 of a spot node adds one direction per light.
     NqfBytes spot = oneRecord("RENDER_NODES", [&](NqfBytes& b) {
         renderHead(b, "model::FakeSpotLightsNode", "s", 2);
@@ -543,10 +499,9 @@ TEST(NqfReaderFault, NodeRecords) {
         at = b.size();
         b.f32s({0, 0, 1});
     });
-    EXPECT_EQ(faultOf(spot),
-              fmt::format("error at byte {} in RENDER_NODES[0].directions: expected 2 directions, one "
-                          "per light, found only 12 bytes left",
-                          spot.at(at)));
+    expectFault(spot, at,
+                "error at byte {} in RENDER_NODES[0].directions: expected 2 directions, one per light, found "
+                "only 12 bytes left");
 }
 
 TEST(NqfReaderFault, RootValues) {
@@ -561,10 +516,9 @@ TEST(NqfReaderFault, RootValues) {
     // Handle count, tree node count, the node's class, name, reserved word and property count,
     // the property's class and name.
     const std::size_t argument = handles + 4 + 4 + 4 + 5 + 4 + 4 + 4 + 4;
-    EXPECT_EQ(faultOf(low),
-              fmt::format("error at byte {} in root: expected a handle count of at least 6 (argument 5 "
-                          "is in use at byte {}), found 5",
-                          low.at(handles), low.at(argument)));
+    EXPECT_EQ(faultOf(low), fmt::format("error at byte {} in root: expected a handle count of at least 6 "
+                                        "(argument 5 is in use at byte {}), found 5",
+                                        low.at(handles), low.at(argument)));
     NqfBytes enough =
         treeFile({[](NqfBytes& b) {
                      head(b, "model::Node", "n", 0, 1, [](NqfBytes& p) { animatedFloat(p, "a", 5, {}); });
@@ -582,10 +536,9 @@ TEST(NqfReaderFault, RootValues) {
                                     indices(b, 0, {});
                                 }}}},
                               9);
-    EXPECT_EQ(faultOf(link),
-              fmt::format("error at byte {} in root: expected a handle count of at least 10 (argument "
-                          "9 is in use at byte {}), found 9",
-                          link.at(handles), link.at(at)));
+    EXPECT_EQ(faultOf(link), fmt::format("error at byte {} in root: expected a handle count of at least 10 "
+                                         "(argument 9 is in use at byte {}), found 9",
+                                         link.at(handles), link.at(at)));
 
     NqfBytes box = groupFile({});
     const std::size_t corner = 8 + 28;
@@ -593,10 +546,9 @@ TEST(NqfReaderFault, RootValues) {
     for (int i = 0; i < 8; ++i) {
         box.body[corner + i] = static_cast<std::uint8_t>(tenth >> (8 * i));
     }
-    EXPECT_EQ(faultOf(box),
-              fmt::format("error at byte {} in root: expected box corners of float values widened to "
-                          "doubles, found 0.1",
-                          box.at(corner)));
+    expectFault(
+        box, corner,
+        "error at byte {} in root: expected box corners of float values widened to doubles, found 0.1");
 }
 
 }  // namespace

@@ -217,12 +217,4 @@ TEST(NqfReader, SmallestFileAndFourByteIndices) {
     EXPECT_EQ(r.indices.values[0], 69999u);
 }
 
-TEST(NqfReader, EqualFilesGiveEqualDocuments) {
-    const NqfDocument a = read(sampleFile());
-    NqfDocument b = read(sampleFile());
-    EXPECT_EQ(a, b);
-    std::get<NqfFakeLightsBody>(b.groups[3].nodes[8].body).animationData[3] = 0.5f;
-    EXPECT_NE(a, b);
-}
-
 }  // namespace

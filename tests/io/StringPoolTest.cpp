@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <random>
 #include <string>
@@ -174,15 +175,9 @@ TEST(StringPool, IndexedInternMatchesLinearSearch) {
                 text += static_cast<char>('a' + std::uniform_int_distribution<int>(0, 2)(rng));
             }
             pool.intern(text);
-            std::uint32_t expected = 0xFFFFFFFFu;
-            for (std::size_t s = 0; s < reference.size(); ++s) {
-                if (reference[s] == text) {
-                    expected = static_cast<std::uint32_t>(s);
-                    break;
-                }
-            }
-            if (expected == 0xFFFFFFFFu) {
-                expected = static_cast<std::uint32_t>(reference.size());
+            auto found = std::find(reference.begin(), reference.end(), text);
+            const auto expected = static_cast<std::uint32_t>(found - reference.begin());
+            if (found == reference.end()) {
                 reference.push_back(text);
             }
             ASSERT_EQ(pool.ordinal(text), expected);
