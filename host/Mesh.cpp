@@ -1,6 +1,9 @@
 #include "host/Mesh.h"
 
+#include <array>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 
 #include <boost/container/small_vector.hpp>
 
@@ -25,13 +28,31 @@ Point3 normalized(const Point3& a) {
     return len > 0.0f ? a * (1.0f / len) : Point3();
 }
 
-// The angle of a face at one corner: its share of the normal of the vertex there.
-float cornerAngle(const Point3& at, const Point3& next, const Point3& prev) {
-    Point3 a = normalized(next - at);
-    Point3 b = normalized(prev - at);
-    float c = dot(a, b);
-    return std::acos(c < -1.0f ? -1.0f : c > 1.0f ? 1.0f : c);
-}
+// The angle between two unit vectors from the cosine. Meshes laid out on a grid or built from
+// regular shapes repeat a few corner angles over and over, so the angles of recent cosines are
+// kept by the cosine's bits in a small table and the arc cosine is taken only for a new one.
+class CornerAngles {
+public:
+    CornerAngles() { entries_.fill({0, std::acos(0.0f)}); }
+
+    float angle(float cosine) {
+        const float c = cosine < -1.0f ? -1.0f : cosine > 1.0f ? 1.0f : cosine;
+        const auto bits = std::bit_cast<std::uint32_t>(c);
+        Entry& entry = entries_[(bits * 0x9E3779B1u) >> (32 - kBits)];
+        if (entry.bits != bits) {
+            entry = {bits, std::acos(c)};
+        }
+        return entry.angle;
+    }
+
+private:
+    static constexpr int kBits = 8;
+    struct Entry {
+        std::uint32_t bits;
+        float angle;
+    };
+    std::array<Entry, 1u << kBits> entries_;
+};
 
 // The normals of one vertex while they are gathered: nearly every vertex has one or two, kept
 // in place rather than in a heap block of their own.
@@ -96,18 +117,26 @@ void Mesh::buildRenderNormals() {
     faceNormals_.assign(faces.size(), Point3());
     std::vector<GatheredNormals> normals(vertexCount);
     specified_.resize(vertexCount);
+    CornerAngles angles;
     for (std::size_t f = 0; f < faces.size(); ++f) {
         const Face& face = faces[f];
-        faceNormals_[f] = FaceNormal(static_cast<int>(f), true);
+        const Point3 edges[3] = {verts[face.v[1]] - verts[face.v[0]], verts[face.v[2]] - verts[face.v[1]],
+                                 verts[face.v[0]] - verts[face.v[2]]};
+        faceNormals_[f] = normalized(cross(edges[0], edges[1]));
         if (face.smGroup == 0) {
             continue;
         }
+        // At corner k the face runs along edge k and comes in along edge k + 2. The direction
+        // back along that edge is its unit vector negated: the cosine comes out the same, at most
+        // a zero of the other sign, which has the same angle. So each edge is normalised once for
+        // the two corners it touches.
+        const Point3 units[3] = {normalized(edges[0]), normalized(edges[1]), normalized(edges[2])};
         for (int k = 0; k < 3; ++k) {
             DWORD v = face.v[k];
             if (specified_[v]) {
                 continue;
             }
-            float angle = cornerAngle(verts[v], verts[face.v[(k + 1) % 3]], verts[face.v[(k + 2) % 3]]);
+            const float angle = angles.angle(-dot(units[k], units[(k + 2) % 3]));
             addNormal(normals[v], faceNormals_[f] * angle, face.smGroup);
         }
     }

@@ -2,7 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <bit>
 #include <cmath>
+#include <optional>
+#include <random>
+#include <vector>
 
 #include "host/Mesh.h"
 
@@ -105,6 +110,72 @@ TEST(MeshRenderNormals, SpecifiedUngroupedAndDegenerate) {
     EXPECT_EQ(mesh.getRVertPtr(3)->rn.normal, Point3());
     expectNear(mesh.getFaceNormal(0), {0, 0, 1});
     expectNear(mesh.FaceCenter(0), {1.0f / 3, 1.0f / 3, 0});
+}
+
+// One smoothing group over random triangles and a grid: each vertex normal is, bit for bit, the
+// plain sum in face order of the unit face normals times the arc cosine of the corner's cosine,
+// normalised. The random triangles give thousands of different angles, the grid the same few,
+// and its rows alternate between 0 and -0 in z, which gives cosines of either zero.
+TEST(MeshRenderNormals, AngleWeightsAgreeBitForBitWithThePlainSum) {
+    std::mt19937 random(3);
+    std::uniform_real_distribution<float> coordinate(-2.0f, 2.0f);
+    host::Mesh mesh;
+    for (int i = 0; i < 300; ++i) {
+        mesh.verts.emplace_back(coordinate(random), coordinate(random), coordinate(random));
+    }
+    for (host::DWORD y = 0; y < 8; ++y) {
+        for (host::DWORD x = 0; x < 8; ++x) {
+            mesh.verts.emplace_back(static_cast<float>(x) * 0.125f, static_cast<float>(y) * 0.125f,
+                                    y % 2 ? -0.0f : 0.0f);
+        }
+    }
+    auto addFace = [&](host::DWORD a, host::DWORD b, host::DWORD c) {
+        host::Face f;
+        f.v[0] = a, f.v[1] = b, f.v[2] = c;
+        f.smGroup = 1;
+        mesh.faces.push_back(f);
+    };
+    for (int i = 0; i < 2000; ++i) {
+        addFace(random() % 300, random() % 300, random() % 300);
+    }
+    for (host::DWORD y = 0; y < 7; ++y) {
+        for (host::DWORD x = 0; x < 7; ++x) {
+            const host::DWORD v = 300 + y * 8 + x;
+            addFace(v, v + 1, v + 9);
+            addFace(v, v + 9, v + 8);
+        }
+    }
+    mesh.buildRenderNormals();
+
+    auto unit = [](const Point3& p) {
+        const float len = std::sqrt(p.x * p.x + p.y * p.y + p.z * p.z);
+        return len > 0.0f ? p * (1.0f / len) : Point3();
+    };
+    std::vector<std::optional<Point3>> sums(mesh.verts.size());
+    for (const host::Face& f : mesh.faces) {
+        const Point3 p[3] = {mesh.verts[f.v[0]], mesh.verts[f.v[1]], mesh.verts[f.v[2]]};
+        const Point3 e = p[1] - p[0], g = p[2] - p[1];
+        const Point3 faceNormal = unit({e.y * g.z - e.z * g.y, e.z * g.x - e.x * g.z, e.x * g.y - e.y * g.x});
+        for (int k = 0; k < 3; ++k) {
+            const Point3 a = unit(p[(k + 1) % 3] - p[k]), b = unit(p[(k + 2) % 3] - p[k]);
+            const float c = std::clamp(a.x * b.x + a.y * b.y + a.z * b.z, -1.0f, 1.0f);
+            const Point3 weighted = faceNormal * std::acos(c);
+            auto& sum = sums[f.v[k]];
+            sum = sum ? *sum + weighted : weighted;
+        }
+    }
+    auto bits = [](const Point3& p) {
+        return std::array<std::uint32_t, 3>{std::bit_cast<std::uint32_t>(p.x),
+                                            std::bit_cast<std::uint32_t>(p.y),
+                                            std::bit_cast<std::uint32_t>(p.z)};
+    };
+    for (std::size_t v = 0; v < mesh.verts.size(); ++v) {
+        const host::RVertex& rv = *mesh.getRVertPtr(static_cast<int>(v));
+        ASSERT_EQ(rv.rFlags, sums[v] ? 1u : 0u) << v;
+        if (sums[v]) {
+            EXPECT_EQ(bits(rv.rn.normal), bits(unit(*sums[v]))) << v;
+        }
+    }
 }
 
 }  // namespace
