@@ -17,9 +17,7 @@ protected:
     Scene s = makeScene();
 
     Ptr<RenderNode> add(const MaterialPtr& material, const std::string& name) {
-        Ptr<RenderNode> node = makeTriangle(s.root->rootNode(), material, 0, name);
-        s.root->addRenderNode(node);
-        return node;
+        return addTriangle(s, s.root->rootNode(), material, 0, name);
     }
 };
 

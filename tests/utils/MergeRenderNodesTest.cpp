@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include "core/ExtException.h"
 #include "model/utils/CanMerge.h"
 #include "model/utils/MergeGroups.h"
 #include "model/utils/MergeRenderNodes.h"
@@ -36,9 +35,7 @@ protected:
 
     Ptr<RenderNode> add(const Ptr<Node>& parent, const MaterialPtr& m, float offset = 0,
                         const std::string& name = {}) {
-        Ptr<RenderNode> node = makeTriangle(parent, m, offset, name);
-        s.root->addRenderNode(node);
-        return node;
+        return addTriangle(s, parent, m, offset, name);
     }
     const RenderNode& only() const {
         EXPECT_EQ(s.root->renderNodes().size(), 1u);
@@ -118,11 +115,11 @@ TEST_F(MergeRenderNodesTest, LevelsOfDetailAndVisibilitySidesStayApart) {
 
     Scene v = makeScene();
     Ptr<ArgVisibilityNode> gate = makeTreeNode<ArgVisibilityNode>(v.root->rootNode());
-    v.root->addRenderNode(makeTriangle(makeTreeNode<Node>(gate), material));
-    v.root->addRenderNode(makeTriangle(v.root->rootNode(), material));
+    addTriangle(v, makeTreeNode<Node>(gate), material);
+    addTriangle(v, v.root->rootNode(), material);
     EXPECT_EQ(mergeRenderNodes(*v.root), rejected(MergeCounters::kVisibility));
     // Two under the same gate merge: the walk stops at the common ancestor.
-    v.root->addRenderNode(makeTriangle(gate, material));
+    addTriangle(v, gate, material);
     mergeRenderNodes(*v.root);
     EXPECT_EQ(v.root->renderNodes().size(), 2u);
 }
@@ -134,16 +131,16 @@ TEST_F(MergeRenderNodesTest, StripsBlendingOneAndBillboardsNeverMerge) {
 
     Scene t = makeScene();
     MaterialRef transparent = makeMaterial("glass", kUnmergedBlending);
-    t.root->addRenderNode(makeTriangle(t.root->rootNode(), transparent));
-    t.root->addRenderNode(makeTriangle(t.root->rootNode(), transparent));
+    addTriangle(t, t.root->rootNode(), transparent);
+    addTriangle(t, t.root->rootNode(), transparent);
     EXPECT_EQ(mergeRenderNodes(*t.root), rejected(MergeCounters::kBlendingOrBillboard));
 
     // The billboard test looks at the group's key only: a later node under a billboard may
     // join an earlier group, but nothing joins a key under a billboard.
     Scene b = makeScene();
     Ptr<BillboardNode> board = makeTreeNode<BillboardNode>(b.root->rootNode());
-    b.root->addRenderNode(makeTriangle(board, material));
-    b.root->addRenderNode(makeTriangle(b.root->rootNode(), material));
+    addTriangle(b, board, material);
+    addTriangle(b, b.root->rootNode(), material);
     EXPECT_EQ(mergeRenderNodes(*b.root), rejected(MergeCounters::kBlendingOrBillboard));
     EXPECT_EQ(b.root->renderNodes().size(), 2u);
 }
@@ -151,12 +148,7 @@ TEST_F(MergeRenderNodesTest, StripsBlendingOneAndBillboardsNeverMerge) {
 TEST_F(MergeRenderNodesTest, RenderNodesWithoutMaterialFail) {
     add(top, MaterialPtr());
     add(top, MaterialPtr());
-    try {
-        mergeRenderNodes(*s.root);
-        FAIL();
-    } catch (const nq::ExtException& e) {
-        EXPECT_EQ(e.message(), "Material of render node isn't set.");
-    }
+    EXPECT_EQ(failureOf([&] { mergeRenderNodes(*s.root); }), "Material of render node isn't set.");
 }
 
 TEST_F(MergeRenderNodesTest, NumberNodesNeedOneFloatOfColorOneAndItsLackIsNotCounted) {
@@ -209,12 +201,7 @@ TEST(MergeMembers, AMemberOfAnotherVertexLayoutFails) {
     Ptr<RenderNode> b = makeTriangle(s.root->rootNode(), m);
     b->vertices.attributes.erase(NORMAL0);
     std::vector<Ptr<BaseRenderNode>> members{a, b};
-    try {
-        mergeMembers(MergeKind::RenderNode, members);
-        FAIL();
-    } catch (const nq::ExtException& e) {
-        EXPECT_EQ(e.message(), "Wrong vertex size.");
-    }
+    EXPECT_EQ(failureOf([&] { mergeMembers(MergeKind::RenderNode, members); }), "Wrong vertex size.");
 }
 
 TEST(MergeRenderNodes, IndexedGroupingGivesTheSameModelAndCountersAsTestingEveryGroup) {
@@ -224,21 +211,14 @@ TEST(MergeRenderNodes, IndexedGroupingGivesTheSameModelAndCountersAsTestingEvery
         Scene fast = randomScene(seed);
         Scene slow = randomScene(seed);
         ASSERT_EQ(dumpModel(*fast.root, fast.materials), dumpModel(*slow.root, slow.materials));
-        std::string fastResult, slowResult;
-        try {
-            MergeCounters c = mergeRenderNodes(*fast.root);
-            fastResult =
-                fmt::format("{}\n{}", fmt::join(c.counts, " "), dumpModel(*fast.root, fast.materials));
-        } catch (const nq::ExtException& e) {
-            fastResult = e.message();
-        }
-        try {
-            MergeCounters c = reference::mergeRenderNodes(*slow.root);
-            slowResult =
-                fmt::format("{}\n{}", fmt::join(c.counts, " "), dumpModel(*slow.root, slow.materials));
-        } catch (const nq::ExtException& e) {
-            slowResult = e.message();
-        }
+        auto result = [](Scene& s, auto merge) {
+            return outcomeOf([&] {
+                MergeCounters c = merge(*s.root);
+                return fmt::format("{}\n{}", fmt::join(c.counts, " "), dumpModel(*s.root, s.materials));
+            });
+        };
+        std::string fastResult = result(fast, [](RootNode& r) { return mergeRenderNodes(r); });
+        std::string slowResult = result(slow, [](RootNode& r) { return reference::mergeRenderNodes(r); });
         EXPECT_EQ(fastResult, slowResult);
         failures += fastResult.find('\n') == std::string::npos ? 1 : 0;
     }

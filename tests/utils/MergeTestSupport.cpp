@@ -19,29 +19,22 @@ private:
 };
 
 PropertyList randomProperties(Random& r) {
-    switch (r.below(12)) {
-        case 0:
-            return {createFloatProperty("a", 1.0f)};
-        case 1:
-            return {createFloatProperty("a", 1.0f + 6e-6f)};  // within the tolerance of case 0
-        case 2:
-            return {createFloatProperty("a", 1.00003f)};  // outside it
-        case 3:
-            return {createProperty<UIntProperty>("b", 3u), createFloatProperty("a", 1.0f)};
-        case 4:
-            return {createFloatProperty("a", 1.0f), createProperty<UIntProperty>("b", 3u)};
-        case 5:
-            return {createProperty<StringProperty>("c", "x")};
-        case 6:
-            // A repeated name: equal to case 0 lists as seen from this side only.
-            return {createFloatProperty("a", 1.0f), createFloatProperty("a", 1.0f + 4e-6f)};
-        case 7:
-            return {createProperty<Vec3fProperty>("v", osg::Vec3f{{0.5f, 0.0f, 2.0f}})};
-        case 8:
-            return {createArgumentProperty("arg", static_cast<std::uint32_t>(r.below(2)))};
-        default:
-            return {};
+    const int choice = r.below(12);
+    if (choice == 8) {
+        return {createArgumentProperty("arg", static_cast<std::uint32_t>(r.below(2)))};
     }
+    // The second list is within the tolerance of the first, the third outside it; the seventh
+    // repeats a name, so it equals the first as seen from its own side only.
+    const std::vector<PropertyList> lists{
+        {createFloatProperty("a", 1.0f)},
+        {createFloatProperty("a", 1.0f + 6e-6f)},
+        {createFloatProperty("a", 1.00003f)},
+        {createProperty<UIntProperty>("b", 3u), createFloatProperty("a", 1.0f)},
+        {createFloatProperty("a", 1.0f), createProperty<UIntProperty>("b", 3u)},
+        {createProperty<StringProperty>("c", "x")},
+        {createFloatProperty("a", 1.0f), createFloatProperty("a", 1.0f + 4e-6f)},
+        {createProperty<Vec3fProperty>("v", osg::Vec3f{{0.5f, 0.0f, 2.0f}})}};
+    return choice < 8 ? lists[static_cast<std::size_t>(choice)] : PropertyList{};
 }
 
 MaterialRef randomMaterial(int i) {
@@ -98,27 +91,14 @@ Scene randomScene(std::uint32_t seed, int renderNodes, int treeNodes) {
     Scene s = makeScene();
     std::vector<Ptr<Node>> tree{s.root->rootNode()};
     for (int i = 0; i < treeNodes; ++i) {
+        static const char* const kKinds[] = {"model::ArgVisibilityNode", "model::ArgVisibilityNode",
+                                             "model::LodNode",           "model::LodNode",
+                                             "model::BillboardNode",     "model::TransformNode"};
         Ptr<Node> parent = r.pick(tree);
-        Ptr<Node> node;
-        switch (r.below(10)) {
-            case 0:
-            case 1:
-                node = makeTreeNode<ArgVisibilityNode>(parent);
-                break;
-            case 2:
-            case 3:
-                node = makeTreeNode<LodNode>(parent);
-                break;
-            case 4:
-                node = makeTreeNode<BillboardNode>(parent);
-                break;
-            case 5:
-                node = makeTreeNode<TransformNode>(parent);
-                break;
-            default:
-                node = makeTreeNode<Node>(parent);
-        }
+        const int kind = r.below(10);
+        Ptr<Node> node = createNodeAs<Node>(kind < 6 ? kKinds[kind] : "model::Node");
         node->name = fmt::format("t{}", i);
+        parent->append(node);
         tree.push_back(node);
     }
     for (int i = 0; i < 8; ++i) {

@@ -11,6 +11,7 @@
 
 #include <fmt/format.h>
 
+#include "core/ExtException.h"
 #include "model/AnimatedFakeLights.h"
 #include "model/ArgVisibilityNode.h"
 #include "model/BillboardNode.h"
@@ -104,6 +105,36 @@ inline Scene makeScene() {
     s.root = createNodeAs<RootNode>("model::RootNode");
     s.root->setRootNode(createNode("top"));
     return s;
+}
+
+// A triangle of makeTriangle, listed in the scene.
+template <class T = RenderNode>
+Ptr<T> addTriangle(Scene& s, const Ptr<Node>& parent, const MaterialPtr& material, float offset = 0,
+                   const std::string& name = {}) {
+    Ptr<T> node = makeTriangle<T>(parent, material, offset, name);
+    s.root->addRenderNode(node);
+    return node;
+}
+
+// The message of the failure that f throws, or "no exception".
+template <class F>
+std::string failureOf(F&& f) {
+    try {
+        f();
+    } catch (const nq::ExtException& e) {
+        return e.message();
+    }
+    return "no exception";
+}
+
+// The text f returns, or the message of the failure it throws: two runs compare as one string.
+template <class F>
+std::string outcomeOf(F&& f) {
+    try {
+        return f();
+    } catch (const nq::ExtException& e) {
+        return e.message();
+    }
 }
 
 // A random scene: a tree of plain, transform, visibility, level-of-detail and billboard nodes;

@@ -3,7 +3,6 @@
 #include <map>
 #include <set>
 
-#include "core/ExtException.h"
 #include "model/BakeTransform.h"
 #include "model/TmpNumberRoot.h"
 #include "model/utils/NumberNodeConverter.h"
@@ -24,9 +23,8 @@ protected:
     MaterialRef material = makeMaterial("digits");
 
     Ptr<RenderNode> digit(const MaterialPtr& m, float offset, std::uint32_t argument = 7) {
-        Ptr<RenderNode> node = makeTriangle(numberRoot, m, offset, fmt::format("d{}", offset));
+        Ptr<RenderNode> node = addTriangle(s, numberRoot, m, offset, fmt::format("d{}", offset));
         node->links[0].argument = argument;
-        s.root->addRenderNode(node);
         return node;
     }
 
@@ -42,20 +40,14 @@ protected:
 
     void expectThrows(std::string_view text) {
         std::size_t before = s.root->renderNodes().size();
-        try {
-            numberNodeConverter(s.root.get());
-            FAIL() << "no exception, expected " << text;
-        } catch (const nq::ExtException& e) {
-            EXPECT_EQ(e.message(), text);
-        }
+        EXPECT_EQ(failureOf([&] { numberNodeConverter(s.root.get()); }), text);
         EXPECT_EQ(s.root->renderNodes().size(), before);
     }
 };
 
 TEST_F(NumberNodeConverterTest, ModelWithoutDigitsIsLeftAlone) {
     // A number root with nothing under it, and a render node elsewhere.
-    Ptr<RenderNode> plain = makeTriangle(top, material);
-    s.root->addRenderNode(plain);
+    Ptr<RenderNode> plain = addTriangle(s, top, material);
     EXPECT_FALSE(numberNodeConverter(s.root.get()));
     ASSERT_EQ(s.root->renderNodes().size(), 1u);
     EXPECT_EQ(s.root->renderNodes()[0].get(), plain.get());
@@ -63,11 +55,9 @@ TEST_F(NumberNodeConverterTest, ModelWithoutDigitsIsLeftAlone) {
 }
 
 TEST_F(NumberNodeConverterTest, DigitsOfOneMaterialBecomeOneNumberNode) {
-    Ptr<RenderNode> before = makeTriangle(top, material, 0, "before");
-    s.root->addRenderNode(before);
+    Ptr<RenderNode> before = addTriangle(s, top, material, 0, "before");
     Ptr<RenderNode> d0 = digit(material, 0, 7);
-    Ptr<RenderNode> after = makeTriangle(top, material, 0, "after");
-    s.root->addRenderNode(after);
+    Ptr<RenderNode> after = addTriangle(s, top, material, 0, "after");
     Ptr<RenderNode> d1 = digit(material, 2, 9);
 
     EXPECT_TRUE(numberNodeConverter(s.root.get()));
@@ -110,8 +100,7 @@ TEST_F(NumberNodeConverterTest, DigitsSplitByMaterialAndByNumberRoot) {
     digit(other, 1);
     digit(material, 2);
     Ptr<TmpNumberRoot> second = makeTreeNode<TmpNumberRoot>(top, "clock");
-    Ptr<RenderNode> far = makeTriangle(second, material, 5);
-    s.root->addRenderNode(far);
+    Ptr<RenderNode> far = addTriangle(s, second, material, 5);
 
     EXPECT_TRUE(numberNodeConverter(s.root.get()));
     ASSERT_EQ(s.root->renderNodes().size(), 3u);
@@ -208,8 +197,7 @@ TEST_F(NumberNodeConverterTest, ChildfreeIsCheckedOnlyWhenADigitIsMet) {
     Ptr<Node> child = makeTreeNode<Node>(numberRoot, "child");
     EXPECT_FALSE(numberNodeConverter(s.root.get()));
     // A digit on the child finds the root by walking up; the first digit met throws.
-    Ptr<RenderNode> d = makeTriangle(child, material);
-    s.root->addRenderNode(d);
+    Ptr<RenderNode> d = addTriangle(s, child, material);
     expectThrows(kNumberRootChildfree);
 }
 

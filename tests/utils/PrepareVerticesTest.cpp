@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include "core/ExtException.h"
 #include "model/utils/PrepareVertices.h"
 #include "utils/MergeTestSupport.h"
 
@@ -36,12 +35,7 @@ protected:
         }
     }
     void expectFailure(const std::string& message) {
-        try {
-            prepareVertices(*s.root);
-            FAIL() << "no failure";
-        } catch (const nq::ExtException& e) {
-            EXPECT_EQ(e.message(), message);
-        }
+        EXPECT_EQ(failureOf([&] { prepareVertices(*s.root); }), message);
     }
 };
 

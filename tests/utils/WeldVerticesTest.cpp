@@ -5,7 +5,6 @@
 #include <limits>
 #include <random>
 
-#include "core/ExtException.h"
 #include "model/utils/WeldVertices.h"
 #include "utils/MergeTestSupport.h"
 #include "utils/ReferenceMerging.h"
@@ -34,73 +33,86 @@ std::vector<float> xs(const Vertices& v) {
     return out;
 }
 
-TEST(WeldVertices, ToleranceIsOneHundredThousandthInclusiveAndSurvivorsKeepTheirValues) {
+// Each case: the vertices (x, y, z and the parent tag), the primitive and indices, how many
+// vertices go, the indices after, and the x of the survivors (left out where one is not a number).
+struct WeldCase {
+    const char* name;
+    std::vector<std::array<float, 4>> points;
+    std::uint32_t primitive;
+    std::vector<std::uint32_t> indices;
+    std::size_t removed;
+    std::vector<std::uint32_t> after;
+    std::vector<float> survivorXs;
+};
+
+TEST(WeldVertices, WeldsWithinTheToleranceOnlyWhereTheTagAndFinitenessAllow) {
     EXPECT_EQ(std::bit_cast<std::uint32_t>(kWeldTolerance), 0x3727C5ACu);
-    Vertices v = taggedPositions({{0, 0, 0, 0}, {1e-5f, 0, 0, 0}, {5, 0, 0, 0}, {5 + 2e-5f, 0, 0, 0}});
-    Indices i(kTriangleList, {0, 1, 2, 3, 2, 1});
-    EXPECT_EQ(weldVertices(v, i, kWeldTolerance), 1u);
-    EXPECT_EQ(xs(v), (std::vector<float>{0, 5, 5 + 2e-5f}));
-    EXPECT_EQ(i.indices, (std::vector<std::uint32_t>{0, 0, 1, 2, 1, 0}));
-}
-
-TEST(WeldVertices, TheFourthFloatMustMatchBitForBit) {
-    // Same place, different parents; and +0 against -0, which are equal as numbers.
-    Vertices v = taggedPositions({{1, 2, 3, 0}, {1, 2, 3, 1}, {1, 2, 3, -0.0f}, {1, 2, 3, 0}});
-    Indices i(kPoints, {0, 1, 2, 3});
-    EXPECT_EQ(weldVertices(v, i, kWeldTolerance), 1u);
-    EXPECT_EQ(i.indices, (std::vector<std::uint32_t>{0, 1, 2, 0}));
-}
-
-TEST(WeldVertices, MatchesOfMatchesAreNotChained) {
-    // b is within reach of a and of c, c is not within reach of a: a takes b, c stays.
-    Vertices v = taggedPositions({{0, 0, 0, 0}, {0.8e-5f, 0, 0, 0}, {1.6e-5f, 0, 0, 0}});
-    Indices i(kPoints, {2, 1, 0});
-    EXPECT_EQ(weldVertices(v, i, kWeldTolerance), 1u);
-    EXPECT_EQ(xs(v), (std::vector<float>{0, 1.6e-5f}));
-    EXPECT_EQ(i.indices, (std::vector<std::uint32_t>{1, 0, 0}));
-}
-
-TEST(WeldVertices, UnusedVerticesGoFirstAndCount) {
-    Vertices v = taggedPositions({{9, 0, 0, 0}, {1, 0, 0, 0}, {8, 0, 0, 0}, {1, 0, 0, 0}, {2, 0, 0, 0}});
-    Indices i(kTriangleList, {1, 3, 4});
-    EXPECT_EQ(weldVertices(v, i, kWeldTolerance), 3u);  // two unused, one welded
-    EXPECT_EQ(xs(v), (std::vector<float>{1, 2}));
-    EXPECT_EQ(i.indices, (std::vector<std::uint32_t>{0, 0, 1}));
-
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const float inf = std::numeric_limits<float>::infinity();
+    const WeldCase cases[] = {
+        {"the tolerance is inclusive and survivors keep their values",
+         {{0, 0, 0, 0}, {1e-5f, 0, 0, 0}, {5, 0, 0, 0}, {5 + 2e-5f, 0, 0, 0}},
+         kTriangleList,
+         {0, 1, 2, 3, 2, 1},
+         1,
+         {0, 0, 1, 2, 1, 0},
+         {0, 5, 5 + 2e-5f}},
+        // Same place, different parents; and +0 against -0, which are equal as numbers.
+        {"the fourth float must match bit for bit",
+         {{1, 2, 3, 0}, {1, 2, 3, 1}, {1, 2, 3, -0.0f}, {1, 2, 3, 0}},
+         kPoints,
+         {0, 1, 2, 3},
+         1,
+         {0, 1, 2, 0},
+         {1, 1, 1}},
+        // b is within reach of a and of c, c is not within reach of a: a takes b, c stays.
+        {"matches of matches are not chained",
+         {{0, 0, 0, 0}, {0.8e-5f, 0, 0, 0}, {1.6e-5f, 0, 0, 0}},
+         kPoints,
+         {2, 1, 0},
+         1,
+         {1, 0, 0},
+         {0, 1.6e-5f}},
+        {"unused vertices go first and count",
+         {{9, 0, 0, 0}, {1, 0, 0, 0}, {8, 0, 0, 0}, {1, 0, 0, 0}, {2, 0, 0, 0}},
+         kTriangleList,
+         {1, 3, 4},
+         3,
+         {0, 0, 1},
+         {1, 2}},
+        // A not-a-number tag is compared by its bits, so the last two weld.
+        {"floats that are not finite never weld",
+         {{nan, 0, 0, 0}, {nan, 0, 0, 0}, {inf, 0, 0, 0}, {inf, 0, 0, 0}, {0, 0, 0, nan}, {0, 0, 0, nan}},
+         kPoints,
+         {0, 1, 2, 3, 4, 5},
+         1,
+         {0, 1, 2, 3, 4, 4},
+         {}},
+    };
+    for (const WeldCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        Vertices v = taggedPositions(c.points);
+        Indices i(c.primitive, c.indices);
+        EXPECT_EQ(weldVertices(v, i, kWeldTolerance), c.removed);
+        EXPECT_EQ(i.indices, c.after);
+        if (!c.survivorXs.empty()) {
+            EXPECT_EQ(xs(v), c.survivorXs);
+        }
+    }
     Vertices lone = taggedPositions({{1, 0, 0, 0}, {2, 0, 0, 0}});
     Indices none(kTriangleList, {});
     EXPECT_EQ(removeUnusedVertices(lone, none), 2u);
     EXPECT_EQ(lone.vertexCount(), 0u);
 }
 
-TEST(WeldVertices, FloatsThatAreNotFiniteNeverWeld) {
-    float nan = std::numeric_limits<float>::quiet_NaN();
-    float inf = std::numeric_limits<float>::infinity();
-    Vertices v = taggedPositions(
-        {{nan, 0, 0, 0}, {nan, 0, 0, 0}, {inf, 0, 0, 0}, {inf, 0, 0, 0}, {0, 0, 0, nan}, {0, 0, 0, nan}});
-    Indices i(kPoints, {0, 1, 2, 3, 4, 5});
-    // A not-a-number tag is compared by its bits, so the last two weld.
-    EXPECT_EQ(weldVertices(v, i, kWeldTolerance), 1u);
-    EXPECT_EQ(i.indices, (std::vector<std::uint32_t>{0, 1, 2, 3, 4, 4}));
-}
-
 TEST(WeldVertices, BrokenMeshesFailWithAClearMessage) {
     Vertices v = taggedPositions({{0, 0, 0, 0}});
     Indices i(kPoints, {0, 1});
-    try {
-        weldVertices(v, i, kWeldTolerance, "wheel");
-        FAIL();
-    } catch (const nq::ExtException& e) {
-        EXPECT_EQ(e.message(), "Index 1 is past the end of the 1 vertices of node 'wheel'.");
-    }
+    EXPECT_EQ(mergetest::failureOf([&] { weldVertices(v, i, kWeldTolerance, "wheel"); }),
+              "Index 1 is past the end of the 1 vertices of node 'wheel'.");
     v.setAttribute(NORMAL0, 3, {0, 1});
     Indices ok(kPoints, {0});
-    try {
-        weldVertices(v, ok, kWeldTolerance);
-        FAIL();
-    } catch (const nq::ExtException& e) {
-        EXPECT_EQ(e.message(), "Wrong vertex size.");
-    }
+    EXPECT_EQ(mergetest::failureOf([&] { weldVertices(v, ok, kWeldTolerance); }), "Wrong vertex size.");
 }
 
 // Random meshes with clusters at about the tolerance, exact duplicates, signed zeros, tags and odd
