@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "core/ExtException.h"
 #include "exporter/CheckText.h"
+#include "exporter/ErrorTexts.h"
 #include "exporter/NodeSettings.h"
 #include "usertext/ParamsLuaWrapper.h"
 
@@ -40,12 +40,8 @@ TEST_F(CheckText, SmoothNormalsFollowsTheSetting) {
 }
 
 TEST_F(CheckText, FaultsAreTheExportsOwnMessages) {
-    try {
-        exporter::describeNodeText("TYPE = \"renderable|wheel\"", 2);
-        FAIL() << "an unknown word was accepted";
-    } catch (const nq::ExtException& e) {
-        EXPECT_EQ(e.message(), "Unknown node type: wheel");
-    }
+    EXPECT_EQ(exporter::test::failureOf([] { exporter::describeNodeText("TYPE = \"renderable|wheel\"", 2); }),
+              "Unknown node type: wheel");
     EXPECT_THROW(exporter::describeNodeText("x = = 1", 2), nq::ExtException);
 }
 

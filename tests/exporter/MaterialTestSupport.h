@@ -7,9 +7,11 @@
 #include <memory>
 #include <string>
 
+#include "exporter/ErrorTexts.h"
 #include "exporter/MtlKeeper.h"
 #include "exporter/ReportError.h"
 #include "exporter/TextureSlotNames.h"
+#include "model/VertexSemantic.h"
 #include "scene/SceneLoader.h"
 #include "usertext/ParamsLuaWrapper.h"
 
@@ -29,6 +31,18 @@ inline std::string bitmapSlot(const std::string& slot, const std::string& file, 
                               const std::string& mapFields = "") {
     return R"({"name": ")" + slot + R"(", "map": {"fileName": ")" + file + R"(", "mapChannel": )" +
            std::to_string(channel) + (mapFields.empty() ? "" : ", " + mapFields) + "}}";
+}
+
+// The non-zero entries of a vertex format, "NAME:floats" in semantic order.
+inline std::string formatText(const model::VertexFormat& f) {
+    std::string out;
+    for (int s = 0; s < model::kVertexSemanticCount; ++s) {
+        if (f[s] != 0) {
+            out +=
+                (out.empty() ? "" : " ") + std::string(model::semanticName(s)) + ":" + std::to_string(f[s]);
+        }
+    }
+    return out;
 }
 
 inline std::string textureSlot(const std::string& slot, const std::string& map,

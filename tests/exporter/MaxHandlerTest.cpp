@@ -37,11 +37,6 @@ protected:
         EXPECT_NE(p, nullptr) << name;
         return p;
     }
-    // The text of the one message, without its source line.
-    std::string failure() {
-        EXPECT_EQ(errorList().size(), 1u);
-        return errorList().empty() ? "" : errorList()[0].substr(0, errorList()[0].find("\tFile:"));
-    }
 };
 
 using Vec2 = model::Property<osg::Vec2f>;
@@ -167,7 +162,8 @@ TEST_F(MaxHandlerTest, FailureTexts) {
         exporter::clearErrors();
         keeper.clear();
         EXPECT_TRUE(convert(c.script, c.fields)) << c.script;
-        EXPECT_EQ(failure(), "Uniforms: " + c.text + " Material: Paint.") << c.script;
+        EXPECT_EQ(errorTexts(), std::vector<std::string>{"Uniforms: " + c.text + " Material: Paint.\t"})
+            << c.script;
     }
 }
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "core/ExtException.h"
+#include "exporter/ErrorTexts.h"
 #include "exporter/MeshCreator.h"
 #include "exporter/MeshExport.h"
 #include "exporter/ReportError.h"
@@ -15,15 +15,8 @@ namespace {
 
 using exporter::MeshCreator;
 using exporter::VertexRecord;
-
-std::string failureOf(const std::function<void()>& f) {
-    try {
-        f();
-    } catch (const nq::ExtException& e) {
-        return e.message();
-    }
-    return "no failure";
-}
+using exporter::test::errorTexts;
+using exporter::test::failureOf;
 
 TEST(MeshCreator, InterleavesInSemanticOrderWithTheBoneWordInThePosition) {
     model::VertexFormat format;
@@ -109,10 +102,8 @@ TEST(MeshCreator, BoneNamesMustBeShorterThan32Bytes) {
     EXPECT_TRUE(exporter::checkBoneName(std::string(31, 'b')));
     EXPECT_TRUE(exporter::errorList().empty());
     EXPECT_FALSE(exporter::checkBoneName(std::string(32, 'b')));
-    ASSERT_EQ(exporter::errorList().size(), 1u);
-    const std::string& text = exporter::errorList()[0];
-    EXPECT_EQ(text.substr(0, text.find("File:")),
-              "Node '" + std::string(32, 'b') + "' has tool long name for bone (32 vs. 32)! \t");
+    EXPECT_EQ(errorTexts(), std::vector<std::string>{"Node '" + std::string(32, 'b') +
+                                                     "' has tool long name for bone (32 vs. 32)! \t"});
     exporter::clearErrors();
 }
 

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "core/ExtException.h"
+#include <tuple>
+
+#include "exporter/ErrorTexts.h"
 #include "exporter/NodeSettings.h"
 #include "usertext/ParamsLuaWrapper.h"
 
@@ -22,12 +24,8 @@ TEST_F(NodeSettingsTest, TypeWordsSetTheirBits) {
 }
 
 TEST_F(NodeSettingsTest, UnknownTypeWordNamesTheWord) {
-    try {
-        exporter::nodeTypeFlags("renderable|renderible");
-        FAIL() << "no exception";
-    } catch (const nq::ExtException& e) {
-        EXPECT_EQ(e.message(), "Unknown node type: renderible");
-    }
+    EXPECT_EQ(exporter::test::failureOf([] { exporter::nodeTypeFlags("renderable|renderible"); }),
+              "Unknown node type: renderible");
     EXPECT_THROW(exporter::nodeTypeFlags("renderable|"), nq::ExtException);
 }
 
@@ -46,14 +44,14 @@ TEST_F(NodeSettingsTest, ParsesEveryKey) {
 }
 
 TEST_F(NodeSettingsTest, SmoothNormalsCountsOnlyUnderSettingsTwoAndThree) {
-    exporter::parseNodeSettings("SMOOTH_NORMALS = 1", settings, 0);
-    EXPECT_FALSE(settings.smoothNormals);
-    exporter::parseNodeSettings("SMOOTH_NORMALS = 0", settings, 1);
-    EXPECT_TRUE(settings.smoothNormals);
-    exporter::parseNodeSettings("SMOOTH_NORMALS = 0", settings, 3);
-    EXPECT_FALSE(settings.smoothNormals);
-    exporter::parseNodeSettings("SMOOTH_NORMALS = 0.4", settings, 2);
-    EXPECT_FALSE(settings.smoothNormals);
+    const std::tuple<const char*, int, bool> cases[] = {{"SMOOTH_NORMALS = 1", 0, false},
+                                                        {"SMOOTH_NORMALS = 0", 1, true},
+                                                        {"SMOOTH_NORMALS = 0", 3, false},
+                                                        {"SMOOTH_NORMALS = 0.4", 2, false}};
+    for (const auto& [text, setting, smooth] : cases) {
+        exporter::parseNodeSettings(text, settings, setting);
+        EXPECT_EQ(settings.smoothNormals, smooth) << text << " under " << setting;
+    }
 }
 
 TEST_F(NodeSettingsTest, ReservedKeysOfTheWrongKindMatchNoHandler) {

@@ -1,6 +1,7 @@
 // The deck material and the helpers by which the keeper reads maps: layers, file names, wrap
 // modes and transforms, the two-sided flag.
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include "MaterialTestSupport.h"
@@ -35,10 +36,6 @@ std::string deck(const std::string& name, const std::string& changed = "", const
            params + "]}]}";
 }
 
-std::string withoutLine(const std::string& message) {
-    return message.substr(0, message.rfind(':'));
-}
-
 TEST_F(MaterialTest, DeckMaterialHasAFixedLayout) {
     load(deck("Deck"));
     auto m = get(0);
@@ -53,14 +50,8 @@ TEST_F(MaterialTest, DeckMaterialHasAFixedLayout) {
     EXPECT_EQ(m->textures[0].name, "basecolortiledmap");
     EXPECT_EQ(m->textures[7].name, "damagemap");
     EXPECT_TRUE(m->textures[8].empty());
-    const model::VertexFormat& f = m->vertexFormat;
-    EXPECT_EQ(f[model::POSITION0], 4);
-    EXPECT_EQ(f[model::NORMAL0], 4);
-    EXPECT_EQ(f[model::TANGENT0], 3);
-    EXPECT_EQ(f[model::BINORMAL0], 3);
-    EXPECT_EQ(f[model::TEXCOORD0], 2);
-    EXPECT_EQ(f[model::TEXCOORD1], 2);
-    EXPECT_EQ(f.sum(), 18u);
+    EXPECT_EQ(formatText(m->vertexFormat),
+              "POSITION0:4 NORMAL0:4 TANGENT0:3 BINORMAL0:3 TEXCOORD0:2 TEXCOORD1:2");
     EXPECT_TRUE(m->uniforms.empty());
 }
 
@@ -69,22 +60,20 @@ TEST_F(MaterialTest, DeckMaterialFailuresGiveTwoMessagesAndNothing) {
         deck("A", "DamageMask", "null") + ", " + deck("B", "RainMaskMap", "\"\"") + ", " +
         deck("C", "BaseColorMap", "\"x.tga\"").replace(deck("C").find("BaseColorMap\""), 12, "BaseColorMop") +
         R"(, {"name": "E", "class": ["0xCC02D", "0x5B07B"]})");
-    EXPECT_FALSE(get(0));
-    EXPECT_FALSE(get(1));
-    EXPECT_FALSE(get(2));
-    EXPECT_FALSE(get(3));
-    ASSERT_EQ(errorList().size(), 7u);
+    for (std::size_t i = 0; i < 4; ++i) {
+        EXPECT_FALSE(get(i)) << i;
+    }
     const std::string helpers = "File: Exporter\\src\\MtlKeeperHelpers.cpp";
     const std::string keeper = "File: Exporter\\src\\MtlKeeper.cpp";
-    EXPECT_EQ(withoutLine(errorList()[0]), "'DamageMask' is not set. Material: 'A', node 'hull'. " + helpers);
-    EXPECT_EQ(withoutLine(errorList()[1]), "DamageMask is not set. Material: 'A', node 'hull'. " + keeper);
-    EXPECT_EQ(withoutLine(errorList()[2]),
-              "'RainMaskMap' is not set as bitmap. Material: 'B', node 'hull'. " + helpers);
-    EXPECT_EQ(withoutLine(errorList()[3]), "RainMaskMap is not set. Material: 'B', node 'hull'. " + keeper);
-    EXPECT_EQ(withoutLine(errorList()[4]),
-              "Deck material misses 'BaseColorMap'. Material: 'C', node 'hull'. " + helpers);
-    EXPECT_EQ(withoutLine(errorList()[5]), "BaseColorMap is not set. Material: 'C', node 'hull'. " + keeper);
-    EXPECT_EQ(withoutLine(errorList()[6]), "Deck material is empty. Material: 'E', node 'hull'. " + keeper);
+    EXPECT_EQ(errorsWithoutLine(),
+              (std::vector<std::string>{
+                  "'DamageMask' is not set. Material: 'A', node 'hull'. " + helpers,
+                  "DamageMask is not set. Material: 'A', node 'hull'. " + keeper,
+                  "'RainMaskMap' is not set as bitmap. Material: 'B', node 'hull'. " + helpers,
+                  "RainMaskMap is not set. Material: 'B', node 'hull'. " + keeper,
+                  "Deck material misses 'BaseColorMap'. Material: 'C', node 'hull'. " + helpers,
+                  "BaseColorMap is not set. Material: 'C', node 'hull'. " + keeper,
+                  "Deck material is empty. Material: 'E', node 'hull'. " + keeper}));
 }
 
 TEST_F(MaterialTest, FindSubMapPicksSwitchedOnSlotsAndEvenLayers) {
@@ -115,18 +104,16 @@ TEST_F(MaterialTest, ReadTextureTakesTheBareLowerCaseNameAndTheMirrors) {
         {"name": "c", "map": {"class": ["0x280", 0], "fileName": "ignored.dds"}}]})");
     model::Texture texture;
     exporter::readTexture(mtl(0)->GetSubTexmap(0), texture);
-    EXPECT_EQ(texture.name, "ärmel.final");
-    EXPECT_EQ(texture.wrapU, 4u);
-    EXPECT_EQ(texture.wrapV, 2u);
-    EXPECT_EQ(texture.matrix(0, 0), 2.0f);
-    EXPECT_EQ(texture.matrix(3, 0), 1.0f);  // the whole column doubles, translation included
-    EXPECT_EQ(texture.matrix(1, 1), 3.0f);
-    EXPECT_EQ(texture.matrix(3, 1), 0.25f);
+    // The name, the wrap modes, and the scale and move of u and v; the whole u column doubles,
+    // translation included.
+    auto text = [&] {
+        return fmt::format("{} {} {} {} {} {} {}", texture.name, texture.wrapU, texture.wrapV,
+                           texture.matrix(0, 0), texture.matrix(3, 0), texture.matrix(1, 1),
+                           texture.matrix(3, 1));
+    };
+    EXPECT_EQ(text(), "ärmel.final 4 2 2 1 3 0.25");
     exporter::readTexture(mtl(0)->GetSubTexmap(1), texture);
-    EXPECT_EQ(texture.name, "plain");
-    EXPECT_EQ(texture.wrapU, 2u);
-    EXPECT_EQ(texture.wrapV, 4u);
-    EXPECT_EQ(texture.matrix(1, 1), 2.0f);
+    EXPECT_EQ(text(), "plain 2 4 1 0 2 0");
     model::Texture kept = texture;
     exporter::readTexture(mtl(0)->GetSubTexmap(2), texture);
     EXPECT_TRUE(texture.empty());
@@ -140,12 +127,12 @@ TEST_F(MaterialTest, OnlyTheOlderStandardClassIsTwoSided) {
     load(R"({"name": "old", "twoSided": true}, {"class": [3, 0], "twoSided": true},
             {"class": ["0x255", 0], "subMaterials": [1, 0]}, {"class": ["0x255", 0], "subMaterials": [0, 1]},
             {"class": ["0x255", 0], "subMaterials": [0]})");
+    // A shell material asks its baked material.
     EXPECT_FALSE(exporter::isTwoSided(nullptr));
-    EXPECT_TRUE(exporter::isTwoSided(mtl(0)));
-    EXPECT_FALSE(exporter::isTwoSided(mtl(1)));
-    EXPECT_TRUE(exporter::isTwoSided(mtl(2)));  // a shell material asks its baked material
-    EXPECT_FALSE(exporter::isTwoSided(mtl(3)));
-    EXPECT_FALSE(exporter::isTwoSided(mtl(4)));
+    const bool twoSided[] = {true, false, true, false, false};
+    for (std::size_t i = 0; i < 5; ++i) {
+        EXPECT_EQ(exporter::isTwoSided(mtl(i)), twoSided[i]) << i;
+    }
 }
 
 }  // namespace

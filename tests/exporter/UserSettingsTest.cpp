@@ -113,21 +113,17 @@ TEST_F(SettingsFile, EachLayoutVersionReadsOnlyItsOwnLines) {
     };
     const Case cases[] = {
         {"2\n0\n3\n1\n/v\n-a\n/w\n1\n1\n0.5\n-7\n" + extra,
-         "legacy=0 smooth=3 run=1 path=/v args=-a dir=/w scale=5 hidden=0 invalid=0 override=0/1 stat=1 "
-         "info=0 "
-         "version=10"},
+         defaultsAfter("legacy=0 smooth=3 run=1 path=/v args=-a dir=/w")},
         {"5\n1\n0\n0\n\n\n\n1\n1\n2.5\n42\n1:10\n1\n1\n" + extra,
-         "legacy=1 smooth=0 run=0 path= args= dir= scale=6 hidden=1 invalid=1 override=0/1 stat=1 info=0 "
-         "version=10"},
+         defaultsAfter("legacy=1 smooth=0 run=0 path= args= dir= scale=6 hidden=1 invalid=1")},
         {"6\n1\n2\n0\np\n\nd\n1\n1\n-3\n1:50\n0\n1\n1\n" + extra,
-         "legacy=1 smooth=2 run=0 path=p args= dir=d scale=9 hidden=0 invalid=1 override=0/1 stat=1 info=0 "
-         "version=10"},
+         defaultsAfter("legacy=1 smooth=2 run=0 path=p args= dir=d scale=9 hidden=0 invalid=1")},
         {"9\n1\n2\n0\n\n\n\n1\n1\n-3\n1:100\n0\n0\n1\n0\n1\n0\n" + extra,
-         "legacy=1 smooth=2 run=0 path= args= dir= scale=10 hidden=0 invalid=0 override=0/1 stat=0 info=1 "
-         "version=10"},
+         defaultsAfter("legacy=1 smooth=2 run=0 path= args= dir= scale=10 hidden=0 invalid=0 override=0/1 "
+                       "stat=0 info=1")},
         {"10\n1\n2\n0\n\n\n\n1\n1\n1:25\n0\n0\n1\n0\n1\n0\n11\n",
-         "legacy=1 smooth=2 run=0 path= args= dir= scale=8 hidden=0 invalid=0 override=0/1 stat=0 info=1 "
-         "version=10"},
+         defaultsAfter("legacy=1 smooth=2 run=0 path= args= dir= scale=8 hidden=0 invalid=0 override=0/1 "
+                       "stat=0 info=1")},
         {"11\n0\n1\n1\n/opt/v\n-open $FILE$\n/tmp/w\n1\n1\n1:20\n1\n1\n1\n0\n1\n0\n11\n",
          "legacy=0 smooth=1 run=1 path=/opt/v args=-open $FILE$ dir=/tmp/w scale=7 hidden=1 invalid=1 "
          "override=0/1 stat=0 info=1 version=11"},
