@@ -7,6 +7,7 @@
 
 #include "host/Constants.h"
 #include "host/Mesh.h"
+#include "scene/SceneFault.h"
 #include "scene/SceneLoader.h"
 
 namespace {
@@ -79,13 +80,9 @@ TEST(MeshDocument, BoxShorthand) {
 
 TEST(MeshDocument, FaultsNameTheirPath) {
     auto expectFault = [](const std::string& mesh, const std::string& path, const std::string& message) {
-        try {
-            scene::parseScene(R"({"nodes": [{"object": {"mesh": )" + mesh + "}}]}");
-            ADD_FAILURE() << "no fault in " << mesh;
-        } catch (const scene::DocumentError& e) {
-            EXPECT_EQ(e.path(), path) << mesh;
-            EXPECT_EQ(e.message(), message) << mesh;
-        }
+        scenetest::Fault f = scenetest::faultIn(R"({"nodes": [{"object": {"mesh": )" + mesh + "}}]}");
+        EXPECT_EQ(f.path, path) << mesh;
+        EXPECT_EQ(f.message, message) << mesh;
     };
     const std::string tri = R"("vertices": [[0, 0, 0], [1, 0, 0], [0, 1, 0]], "faces": [[0, 1, 2]])";
     expectFault(R"({"vertices": [[0, 0, 0]], "faces": [[0, 0, 1]]})", "nodes[0].object.mesh.faces[0][2]",
@@ -134,13 +131,10 @@ TEST(MeshDocument, FaultsNameTheirPath) {
     expectFault("{" + tri + R"(, "maps": [{"channel": 1, "vertices": [[0, 0]], "faces": [[0, 0, true]]}]})",
                 "nodes[0].object.mesh.maps[0].faces[0][2]", "expected an integer");
 
-    try {
-        scene::parseScene(R"({"nodes": [{"object": {"superClass": "0x50", "mesh": {}}}]})");
-        ADD_FAILURE() << "a helper took a mesh";
-    } catch (const scene::DocumentError& e) {
-        EXPECT_EQ(e.path(), "nodes[0].object.mesh");
-        EXPECT_EQ(e.message(), "only triangle objects have a mesh");
-    }
+    scenetest::Fault helper =
+        scenetest::faultIn(R"({"nodes": [{"object": {"superClass": "0x50", "mesh": {}}}]})");
+    EXPECT_EQ(helper.path, "nodes[0].object.mesh");
+    EXPECT_EQ(helper.message, "only triangle objects have a mesh");
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // What a scene document gives the host operations: the defaults of omitted fields, the objects
 // by super class and class, the materials and the file read from disk.
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -13,6 +14,16 @@
 namespace {
 
 using host::Class_ID;
+
+// A node as the host operations give it: name, hidden, group head, user text, whether it has a
+// material, an object and an object reference, its children, and whether its node and object
+// matrices are the identity.
+std::string describe(host::INode& n) {
+    return fmt::format("'{}' hidden {} group {} props '{}' mtl {} obj {} ref {} children {} tm {} {}",
+                       n.GetName(), n.IsNodeHidden(), n.IsGroupHead(), n.GetUserPropBuffer(),
+                       n.GetMtl() != nullptr, n.EvalWorldState(0).obj != nullptr, n.GetObjectRef() != nullptr,
+                       n.NumberOfChildren(), n.GetNodeTM(0).IsIdentity(), n.GetObjectTM(0).IsIdentity());
+}
 
 TEST(SceneDocument, OmittedFieldsTakeTheHostDefaults) {
     auto scene = scene::parseScene(R"({"nodes": [{}]})");
@@ -30,16 +41,8 @@ TEST(SceneDocument, OmittedFieldsTakeTheHostDefaults) {
     host::INode* node = root.GetChildNode(0);
     EXPECT_FALSE(node->IsRootNode());
     EXPECT_EQ(node->GetParentNode(), &root);
-    EXPECT_EQ(node->GetName(), "");
-    EXPECT_FALSE(node->IsNodeHidden());
-    EXPECT_FALSE(node->IsGroupHead());
-    EXPECT_EQ(node->GetUserPropBuffer(), "");
-    EXPECT_EQ(node->GetMtl(), nullptr);
-    EXPECT_EQ(node->EvalWorldState(0).obj, nullptr);
-    EXPECT_EQ(node->GetObjectRef(), nullptr);
-    EXPECT_EQ(node->NumberOfChildren(), 0);
-    EXPECT_TRUE(node->GetNodeTM(0).IsIdentity());
-    EXPECT_TRUE(node->GetObjectTM(0).IsIdentity());
+    EXPECT_EQ(describe(*node),
+              "'' hidden false group false props '' mtl false obj false ref false children 0 tm true true");
 }
 
 TEST(SceneDocument, NodeFieldsAsGiven) {
@@ -53,10 +56,10 @@ TEST(SceneDocument, NodeFieldsAsGiven) {
     EXPECT_EQ(scene->ticksPerFrame, 80);
     EXPECT_EQ(scene->root.GetName(), "top");
     host::INode* node = scene->root.GetChildNode(0);
-    EXPECT_EQ(node->GetName(), "Дверь");
-    EXPECT_TRUE(node->IsNodeHidden());
-    EXPECT_TRUE(node->IsGroupHead());
-    EXPECT_EQ(node->GetUserPropBuffer(), "TYPE = \"renderable\"\r\n");
+    EXPECT_EQ(describe(*node),
+              "'Дверь' hidden true group true props 'TYPE = \"renderable\"\r\n' mtl false obj false ref "
+              "false children 2 "
+              "tm true true");
     ASSERT_EQ(node->NumberOfChildren(), 2);
     EXPECT_EQ(node->GetChildNode(1)->GetName(), "b");
     node->SetUserPropBuffer("x = 1");

@@ -5,29 +5,15 @@
 
 #include <string>
 
-#include "scene/SceneLoader.h"
+#include "scene/SceneFault.h"
 
 namespace {
 
-struct Fault {
-    std::string path;
-    std::string message;
-    int line = 0;
-    int column = 0;
-};
-
-Fault faultOf(const std::string& json) {
-    try {
-        scene::parseScene(json);
-    } catch (const scene::DocumentError& e) {
-        return {e.path(), e.message(), e.line(), e.column()};
-    }
-    ADD_FAILURE() << "no fault in " << json;
-    return {};
-}
+using scenetest::faultIn;
+using scenetest::faultOf;
 
 void expectFault(const std::string& json, const std::string& path, const std::string& message) {
-    Fault f = faultOf(json);
+    scenetest::Fault f = faultIn(json);
     EXPECT_EQ(f.path, path) << json;
     EXPECT_EQ(f.message, message) << json;
 }
@@ -122,77 +108,49 @@ TEST(SceneErrors, MaterialReferences) {
 }
 
 TEST(SceneErrors, FaultsOfTheTextGiveLineAndColumn) {
-    Fault utf8 = faultOf("{\"nodes\": [\n  {\"name\": \"ab\xC3\x28\"}]}");
-    EXPECT_EQ(utf8.path, "");
-    EXPECT_EQ(utf8.message, "invalid UTF-8");
-    EXPECT_EQ(utf8.line, 2);
-    EXPECT_EQ(utf8.column, 15);
-
+    const std::string syntax = "JSON syntax error: a missing or extra comma, colon, bracket or brace";
+    struct Case {
+        std::string json, message;
+        int line, column;
+    };
     // A surrogate half encoded as UTF-8 is not valid UTF-8 either; columns count characters.
-    Fault surrogate = faultOf("{\"filePath\": \"\xC3\xA9\xED\xA0\x80\"}");
-    EXPECT_EQ(surrogate.message, "invalid UTF-8");
-    EXPECT_EQ(surrogate.column, 16);
-
-    Fault trailing = faultOf("{\"time\": 5}\n  x");
-    EXPECT_EQ(trailing.message, "unexpected text after the document");
-    EXPECT_EQ(trailing.line, 2);
-    EXPECT_EQ(trailing.column, 3);
-
-    Fault second = faultOf("{} {}");
-    EXPECT_EQ(second.message, "unexpected text after the document");
-    EXPECT_EQ(second.column, 4);
-
-    Fault comma = faultOf("{\"nodes\": [\n{\"name\": \"a\"}\n{\"name\": \"b\"}]}");
-    EXPECT_EQ(comma.message, "JSON syntax error: a missing or extra comma, colon, bracket or brace");
-    EXPECT_EQ(comma.line, 3);
-    EXPECT_EQ(comma.column, 1);
-
-    Fault number = faultOf("{\"time\": 01}");
-    EXPECT_EQ(number.message, "invalid number");
-    EXPECT_EQ(number.column, 10);
-
-    Fault literal = faultOf("{\"nodes\": [{\"hidden\": tru}]}");
-    EXPECT_EQ(literal.message, "invalid literal: expected true, false or null");
-    EXPECT_EQ(literal.column, 23);
-
-    EXPECT_EQ(faultOf("{\"filePath\": \"a\\qb\"}").message, "invalid string");
-    EXPECT_EQ(faultOf("{\"nodes\": [{}").message,
-              "JSON syntax error: a missing or extra comma, colon, bracket or brace");
-    EXPECT_EQ(faultOf("  \n ").message, "the document is empty");
-    EXPECT_EQ(faultOf(std::string(3000, '[') + std::string(3000, ']')).message,
+    const Case cases[] = {
+        {"{\"nodes\": [\n  {\"name\": \"ab\xC3\x28\"}]}", "invalid UTF-8", 2, 15},
+        {"{\"filePath\": \"\xC3\xA9\xED\xA0\x80\"}", "invalid UTF-8", 1, 16},
+        {"{\"time\": 5}\n  x", "unexpected text after the document", 2, 3},
+        {"{} {}", "unexpected text after the document", 1, 4},
+        {"{\"nodes\": [\n{\"name\": \"a\"}\n{\"name\": \"b\"}]}", syntax, 3, 1},
+        {"{\"time\": 01}", "invalid number", 1, 10},
+        {"{\"nodes\": [{\"hidden\": tru}]}", "invalid literal: expected true, false or null", 1, 23},
+    };
+    for (const Case& c : cases) {
+        scenetest::Fault f = faultIn(c.json);
+        EXPECT_EQ(f.path, "") << c.json;
+        EXPECT_EQ(f.message, c.message) << c.json;
+        EXPECT_EQ(f.line, c.line) << c.json;
+        EXPECT_EQ(f.column, c.column) << c.json;
+    }
+    EXPECT_EQ(faultIn("{\"filePath\": \"a\\qb\"}").message, "invalid string");
+    EXPECT_EQ(faultIn("{\"nodes\": [{}").message, syntax);
+    EXPECT_EQ(faultIn("  \n ").message, "the document is empty");
+    EXPECT_EQ(faultIn(std::string(3000, '[') + std::string(3000, ']')).message,
               "the document nests deeper than 1024 levels");
 }
 
 TEST(SceneErrors, DescribedForTheUser) {
-    try {
-        scene::parseScene(R"({"nodes": [{"userProps": 1}]})");
-        FAIL();
-    } catch (const scene::DocumentError& e) {
-        EXPECT_EQ(e.describe("ship.json"), "ship.json: nodes[0].userProps: expected a string");
-        EXPECT_STREQ(e.what(), "nodes[0].userProps: expected a string");
-    }
-    try {
-        scene::parseScene("{}\n}");
-        FAIL();
-    } catch (const scene::DocumentError& e) {
-        EXPECT_EQ(e.describe("ship.json"), "ship.json:2:1: unexpected text after the document");
-        EXPECT_STREQ(e.what(), "line 2, column 1: unexpected text after the document");
-    }
+    scenetest::Fault field = faultIn(R"({"nodes": [{"userProps": 1}]})");
+    EXPECT_EQ(field.described, "ship.json: nodes[0].userProps: expected a string");
+    EXPECT_EQ(field.what, "nodes[0].userProps: expected a string");
+    scenetest::Fault text = faultIn("{}\n}");
+    EXPECT_EQ(text.described, "ship.json:2:1: unexpected text after the document");
+    EXPECT_EQ(text.what, "line 2, column 1: unexpected text after the document");
 }
 
 TEST(SceneErrors, UnreadableFile) {
-    try {
-        scene::loadScene(NQ_BINARY_DIR "/no/such/scene.json");
-        FAIL();
-    } catch (const scene::DocumentError& e) {
-        EXPECT_EQ(e.message(), "cannot open the scene document: No such file or directory");
-    }
-    try {
-        scene::loadScene(NQ_SOURCE_DIR);
-        FAIL();
-    } catch (const scene::DocumentError& e) {
-        EXPECT_EQ(e.message(), "cannot read the scene document: Is a directory");
-    }
+    EXPECT_EQ(faultOf([] { scene::loadScene(NQ_BINARY_DIR "/no/such/scene.json"); }).message,
+              "cannot open the scene document: No such file or directory");
+    EXPECT_EQ(faultOf([] { scene::loadScene(NQ_SOURCE_DIR); }).message,
+              "cannot read the scene document: Is a directory");
 }
 
 }  // namespace

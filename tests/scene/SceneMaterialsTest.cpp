@@ -8,6 +8,7 @@
 #include "host/MaterialAttrib.h"
 #include "host/ParamBlock.h"
 #include "scene/SceneControl.h"
+#include "scene/SceneFault.h"
 #include "scene/SceneLoader.h"
 
 namespace {
@@ -29,12 +30,7 @@ host::Animatable* subAnim(host::Animatable* object, std::initializer_list<std::s
 }
 
 std::string faultText(const std::string& json) {
-    try {
-        scene::parseScene(json);
-    } catch (const scene::DocumentError& e) {
-        return e.what();
-    }
-    return "no fault";
+    return scenetest::faultIn(json).what;
 }
 
 TEST(SceneMaterials, StandardMaterialGetsTheHostDefaults) {
