@@ -17,34 +17,53 @@ namespace fs = std::filesystem;
 
 namespace {
 
+using apptest::holds;
 using apptest::Outcome;
 using apptest::slurp;
+using model::io::NqfDocument;
+using model::io::NqfNode;
+
+// The nodes of a file's groups of the given name.
+std::vector<const NqfNode*> groupNodes(const NqfDocument& doc, std::string_view name) {
+    std::vector<const NqfNode*> nodes;
+    for (const auto& group : doc.groups) {
+        for (const auto& node : group.nodes) {
+            if (group.name == name) {
+                nodes.push_back(&node);
+            }
+        }
+    }
+    return nodes;
+}
+
+std::vector<std::string> namesOf(const std::vector<const NqfNode*>& nodes) {
+    std::vector<std::string> names;
+    for (const NqfNode* node : nodes) {
+        names.push_back(node->head.name);
+    }
+    return names;
+}
 
 class Nqfexport : public apptest::ProgramTest {
 protected:
     static std::string scene(const std::string& name) { return apptest::scenePath(name); }
     Outcome run(const std::string& args) { return runExport(args); }
-    // The connectors of a file by name.
-    std::vector<std::string> connectorNames(const fs::path& file) {
-        std::vector<std::string> names;
-        for (const auto& group : read(file).groups) {
-            if (group.name == "CONNECTORS") {
-                for (const auto& node : group.nodes) {
-                    names.push_back(node.head.name);
-                }
-            }
-        }
-        return names;
+    // Exports a document of tests/scenes to `out`, the file `target` of the scratch directory.
+    Outcome exportTo(const std::string& name, const std::string& target, const std::string& more = "") {
+        out = dir / target;
+        return run(scene(name) + " -o " + out.string() + more);
     }
-    model::io::NqfDocument read(const fs::path& file) {
+    std::vector<std::string> connectorNames() { return namesOf(groupNodes(read(out), "CONNECTORS")); }
+    NqfDocument read(const fs::path& file) {
         const std::string bytes = slurp(file);
         return model::io::readNqf(
             std::span(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()));
     }
+    fs::path out;
 };
 
 // Element (row, column) of a transform node's matrix.
-double at(const model::io::NqfNode& node, int row, int column) {
+double at(const NqfNode& node, int row, int column) {
     return std::get<model::io::NqfTransformBody>(node.body)
         .matrix[static_cast<std::size_t>(row * 4 + column)];
 }
@@ -52,14 +71,13 @@ double at(const model::io::NqfNode& node, int row, int column) {
 TEST_F(Nqfexport, EmptySceneFoldsDownToOnePlainNode) {
     // The conversion transform has nothing on it, so the optimisers take it away and the plain
     // node that held it stays as the whole tree.
-    const fs::path out = dir / "Empty.nqf";
-    const Outcome r = run(scene("empty.json") + " -o " + out.string());
+    const Outcome r = exportTo("empty.json", "Empty.nqf");
     ASSERT_EQ(r.status, 0) << r.err;
-    const model::io::NqfDocument doc = read(out);
+    const NqfDocument doc = read(out);
     EXPECT_EQ(doc.root.head.name, "Scene Root");
     ASSERT_EQ(doc.tree.size(), 1u);
     EXPECT_EQ(doc.tree[0].head.className, "model::Node");
-    EXPECT_NE(r.err.find("Export statistics: nTransformNodes: 1\n"), std::string::npos) << r.err;
+    EXPECT_TRUE(holds(r.err, "Export statistics: nTransformNodes: 1\n"));
 }
 
 TEST_F(Nqfexport, DefaultTargetIsBesideTheDocumentFolded) {
@@ -70,28 +88,27 @@ TEST_F(Nqfexport, DefaultTargetIsBesideTheDocumentFolded) {
 }
 
 TEST_F(Nqfexport, OriginMovesTheTreeBeforeTheAxisChange) {
-    const fs::path out = dir / "origin.nqf";
-    const Outcome r = run(scene("origin.json") + " -o " + out.string());
+    const Outcome r = exportTo("origin.json", "origin.nqf");
     ASSERT_EQ(r.status, 0) << r.err;
-    const model::io::NqfDocument doc = read(out);
+    const NqfDocument doc = read(out);
     // The connector's transform takes in the conversion above it and becomes the whole tree.
     ASSERT_EQ(doc.tree.size(), 1u);
     EXPECT_EQ(doc.tree[0].head.className, "model::TransformNode");
     EXPECT_EQ(doc.tree[0].head.name, "mount");
     // mount at (5, 7, 11) less ORIGIN at (1, 2, 3) in scene units, then (x, y, z) -> (x, z, -y);
     // the axis change also turns the connector's own axes.
-    EXPECT_DOUBLE_EQ(at(doc.tree[0], 3, 0), 4.0);
-    EXPECT_DOUBLE_EQ(at(doc.tree[0], 3, 1), 8.0);
-    EXPECT_DOUBLE_EQ(at(doc.tree[0], 3, 2), -5.0);
-    EXPECT_DOUBLE_EQ(at(doc.tree[0], 1, 2), -1.0);
-    EXPECT_DOUBLE_EQ(at(doc.tree[0], 2, 1), 1.0);
+    const std::tuple<int, int, double> elements[] = {
+        {3, 0, 4.0}, {3, 1, 8.0}, {3, 2, -5.0}, {1, 2, -1.0}, {2, 1, 1.0}};
+    for (const auto& [row, column, value] : elements) {
+        EXPECT_DOUBLE_EQ(at(doc.tree[0], row, column), value) << row << ", " << column;
+    }
 }
 
 TEST_F(Nqfexport, BadDocumentExitsTwoWithThePathOfTheFault) {
-    const Outcome r = run(scene("bad_document.json") + " -o " + (dir / "x.nqf").string());
+    const Outcome r = exportTo("bad_document.json", "x.nqf");
     EXPECT_EQ(r.status, 2);
-    EXPECT_NE(r.err.find("bad_document.json: nodes[1].userProps"), std::string::npos) << r.err;
-    EXPECT_FALSE(fs::exists(dir / "x.nqf"));
+    EXPECT_TRUE(holds(r.err, "bad_document.json: nodes[1].userProps"));
+    EXPECT_FALSE(fs::exists(out));
 }
 
 TEST_F(Nqfexport, UsageErrorsExitTwo) {
@@ -100,60 +117,44 @@ TEST_F(Nqfexport, UsageErrorsExitTwo) {
     EXPECT_EQ(run("/no/such/scene.json").status, 2);
 }
 
-TEST_F(Nqfexport, UnknownTypeWordIsAnErrorWhenAskedForAndNoFileIsWritten) {
+TEST_F(Nqfexport, UnknownTypeWordIsAnErrorOnlyWhenAskedFor) {
+    // Without the setting the node goes without settings and the file is written.
+    Outcome r = exportTo("unknown_type.json", "unknown.nqf");
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_TRUE(fs::exists(out));
+    fs::remove(out);
+
     UserSettings settings;
     settings.setErrorOnInvalidUserDefs(true);
     ASSERT_TRUE(settings.save(dir / "cfg" / "nqfexp.cfg"));
-    const fs::path out = dir / "unknown.nqf";
-    const Outcome r = run(scene("unknown_type.json") + " -o " + out.string());
+    r = exportTo("unknown_type.json", "unknown.nqf");
     EXPECT_EQ(r.status, 1);
-    EXPECT_NE(r.err.find("Unknown node type: wheel. Node: hull.\tFile: Exporter\\src\\NQModelExporter:"),
-              std::string::npos)
-        << r.err;
+    EXPECT_TRUE(holds(r.err, "Unknown node type: wheel. Node: hull.\tFile: Exporter\\src\\NQModelExporter:"));
     EXPECT_FALSE(fs::exists(out));
 }
 
-TEST_F(Nqfexport, UnknownTypeWordWithoutTheSettingLeavesTheNodeWithoutSettings) {
-    const fs::path out = dir / "unknown.nqf";
-    const Outcome r = run(scene("unknown_type.json") + " -o " + out.string());
-    EXPECT_EQ(r.status, 0) << r.err;
-    EXPECT_TRUE(fs::exists(out));
-}
-
 TEST_F(Nqfexport, ConnectorNameOf64BytesIsAnError) {
-    const fs::path out = dir / "long.nqf";
-    const Outcome r = run(scene("long_connector.json") + " -o " + out.string());
+    const Outcome r = exportTo("long_connector.json", "long.nqf");
     EXPECT_EQ(r.status, 1);
-    EXPECT_NE(
-        r.err.find(
-            "Node 'connector_with_a_name_that_is_far_too_long_for_the_file_format_x' has tool long name "
-            "for connector (64 vs. 64)! \tFile: Exporter\\src\\NQModelExporter:"),
-        std::string::npos)
-        << r.err;
+    EXPECT_TRUE(holds(r.err,
+                      "Node 'connector_with_a_name_that_is_far_too_long_for_the_file_format_x' has tool long "
+                      "name for connector (64 vs. 64)! \tFile: Exporter\\src\\NQModelExporter:"));
     EXPECT_FALSE(fs::exists(out));
 }
 
 TEST_F(Nqfexport, ExampleHasBoxesAndConnectors) {
-    const fs::path out = dir / "example.nqf";
+    out = dir / "example.nqf";
     const Outcome r = run(std::string(NQ_SOURCE_DIR) + "/examples/example.json -o " + out.string());
     ASSERT_EQ(r.status, 0) << r.err;
-    const model::io::NqfDocument doc = read(out);
-    bool found = false;
-    for (const auto& group : doc.groups) {
-        if (group.name == "CONNECTORS") {
-            // Every helper that passes the connector test is one; ORIGIN and Dummy01 are not.
-            ASSERT_EQ(group.nodes.size(), 3u);
-            EXPECT_EQ(group.nodes[0].head.name, "bbox");
-            EXPECT_EQ(group.nodes[1].head.name, "boom");
-            EXPECT_EQ(group.nodes[2].head.name, "hook");
-            // The user text gives the hook its load; the hidden hatch stays out.
-            ASSERT_EQ(group.nodes[2].head.properties.size(), 1u);
-            EXPECT_EQ(group.nodes[2].head.properties[0].name, "load");
-            EXPECT_EQ(group.nodes[2].head.properties[0].floats, std::vector<float>{250.0f});
-            found = true;
-        }
-    }
-    EXPECT_TRUE(found);
+    const NqfDocument doc = read(out);
+    // Every helper that passes the connector test is one; ORIGIN and Dummy01 are not.
+    const std::vector<const NqfNode*> connectors = groupNodes(doc, "CONNECTORS");
+    ASSERT_EQ(namesOf(connectors), (std::vector<std::string>{"bbox", "boom", "hook"}));
+    // The user text gives the hook its load; the hidden hatch stays out.
+    const auto& properties = connectors[2]->head.properties;
+    ASSERT_EQ(properties.size(), 1u);
+    EXPECT_EQ(properties[0].name, "load");
+    EXPECT_EQ(properties[0].floats, std::vector<float>{250.0f});
     // The two painted boxes share one material with its diffuse bitmap, named as the file is
     // written: lower case, without folder and extension rules applied by the reader.
     ASSERT_EQ(doc.root.materials.size(), 1u);
@@ -163,7 +164,7 @@ TEST_F(Nqfexport, ExampleHasBoxesAndConnectors) {
     ASSERT_EQ(paint.textures.size(), 1u);
     EXPECT_EQ(paint.textures[0].slot, 0u);
     EXPECT_EQ(paint.textureChannels[0], 0u);
-    EXPECT_NE(r.err.find("nRenderNodes: "), std::string::npos) << r.err;
+    EXPECT_TRUE(holds(r.err, "nRenderNodes: "));
     // The helper's box through the axis change: z (0..8) becomes y, y (-10..10) becomes -z.
     EXPECT_FLOAT_EQ(doc.root.boundingBox.min[1], 0.0f);
     EXPECT_FLOAT_EQ(doc.root.boundingBox.max[1], 8.0f);
@@ -172,31 +173,22 @@ TEST_F(Nqfexport, ExampleHasBoxesAndConnectors) {
 }
 
 TEST_F(Nqfexport, HiddenParentsHideTheirSubtreeUnlessHiddenObjectsAreExported) {
-    const fs::path out = dir / "hidden.nqf";
-    Outcome r = run(scene("hidden_and_reserved.json") + " -o " + out.string());
-    ASSERT_EQ(r.status, 0) << r.err;
-    EXPECT_EQ(connectorNames(out), std::vector<std::string>{"winch"});
-    r = run(scene("hidden_and_reserved.json") + " -o " + out.string() + " --set exportHiddenObjects=1");
-    ASSERT_EQ(r.status, 0) << r.err;
-    EXPECT_EQ(connectorNames(out), (std::vector<std::string>{"mast", "flag", "winch"}));
-}
-
-TEST_F(Nqfexport, TypeGivenAsAFloatIsDroppedAndTheOtherKeysStay) {
     // The document has no file path: an unsaved scene exports to the name given.
-    const fs::path out = dir / "reserved.nqf";
-    const Outcome r = run(scene("hidden_and_reserved.json") + " -o " + out.string());
+    Outcome r = exportTo("hidden_and_reserved.json", "hidden.nqf");
     ASSERT_EQ(r.status, 0) << r.err;
-    for (const auto& group : read(out).groups) {
-        for (const auto& node : group.nodes) {
-            if (node.head.name == "winch") {
-                std::vector<std::string> names;
-                for (const auto& p : node.head.properties) {
-                    names.push_back(p.name);
-                }
-                EXPECT_EQ(names, std::vector<std::string>{"load"});
-            }
+    EXPECT_EQ(connectorNames(), std::vector<std::string>{"winch"});
+    // TYPE given as a float is dropped and the other keys stay.
+    const NqfDocument doc = read(out);
+    for (const NqfNode* node : groupNodes(doc, "CONNECTORS")) {
+        std::vector<std::string> names;
+        for (const auto& p : node->head.properties) {
+            names.push_back(p.name);
         }
+        EXPECT_EQ(names, std::vector<std::string>{"load"});
     }
+    r = exportTo("hidden_and_reserved.json", "hidden.nqf", " --set exportHiddenObjects=1");
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(connectorNames(), (std::vector<std::string>{"mast", "flag", "winch"}));
 }
 
 TEST_F(Nqfexport, OverridesLastOneRunAndLeaveTheSettingsFileAlone) {
@@ -204,33 +196,28 @@ TEST_F(Nqfexport, OverridesLastOneRunAndLeaveTheSettingsFileAlone) {
     saved.setShowNodeInfo(true);
     ASSERT_TRUE(saved.save(dir / "cfg" / "nqfexp.cfg"));
     const std::string before = slurp(dir / "cfg" / "nqfexp.cfg");
-    const fs::path out = dir / "v11.nqf";
-    Outcome r = run(scene("empty.json") + " -o " + out.string() + " --set exportVersion=11");
+    Outcome r = exportTo("empty.json", "v11.nqf", " --set exportVersion=11");
     EXPECT_EQ(r.status, 1);
-    EXPECT_NE(r.err.find("Unsupported version 11.\tFile: Exporter\\src\\NQModelExporter:"), std::string::npos)
-        << r.err;
+    EXPECT_TRUE(holds(r.err, "Unsupported version 11.\tFile: Exporter\\src\\NQModelExporter:"));
     EXPECT_FALSE(fs::exists(out));
     EXPECT_EQ(slurp(dir / "cfg" / "nqfexp.cfg"), before);
 
-    r = run(scene("empty.json") + " -o " + out.string() + " --set exportVersion=12");
+    r = exportTo("empty.json", "v11.nqf", " --set exportVersion=12");
     EXPECT_EQ(r.status, 2);
-    EXPECT_NE(r.err.find("nqfexport: --set exportVersion=12: exportVersion takes one of"), std::string::npos)
-        << r.err;
-    r = run(scene("empty.json") + " -o " + out.string() + " --set nothing=1");
+    EXPECT_TRUE(holds(r.err, "nqfexport: --set exportVersion=12: exportVersion takes one of"));
+    r = exportTo("empty.json", "v11.nqf", " --set nothing=1");
     EXPECT_EQ(r.status, 2);
-    EXPECT_NE(r.err.find("unknown setting \"nothing\""), std::string::npos) << r.err;
+    EXPECT_TRUE(holds(r.err, "unknown setting \"nothing\""));
     EXPECT_FALSE(fs::exists(out));
 }
 
 TEST_F(Nqfexport, StatisticsAsJsonOnStdout) {
-    const fs::path out = dir / "stats.nqf";
-    const Outcome r =
-        run(std::string(NQ_SOURCE_DIR) + "/examples/example.json -o " + out.string() + " --stats json");
+    const Outcome r = run(std::string(NQ_SOURCE_DIR) + "/examples/example.json -o " +
+                          (dir / "stats.nqf").string() + " --stats json");
     ASSERT_EQ(r.status, 0) << r.err;
     EXPECT_EQ(r.out.rfind("[{\"name\":\"nTransformNodes\",\"value\":", 0), 0u) << r.out;
-    EXPECT_NE(r.out.find("{\"name\":\"nConnectors\",\"value\":3,\"children\":[]}"), std::string::npos)
-        << r.out;
-    EXPECT_EQ(r.err.find("Export statistics"), std::string::npos) << r.err;
+    EXPECT_TRUE(holds(r.out, "{\"name\":\"nConnectors\",\"value\":3,\"children\":[]}"));
+    EXPECT_FALSE(holds(r.err, "Export statistics"));
 }
 
 TEST_F(Nqfexport, CheckTextShowsWhatANodeGetsOrTheExactFault) {
@@ -238,7 +225,7 @@ TEST_F(Nqfexport, CheckTextShowsWhatANodeGetsOrTheExactFault) {
     Outcome r = run("--check-text " + (dir / "good.txt").string());
     EXPECT_EQ(r.status, 0) << r.err;
     EXPECT_EQ(r.out.rfind("TYPE: 0x2 (connector)\n", 0), 0u) << r.out;
-    EXPECT_NE(r.out.find("Properties (1)\n  load = 250"), std::string::npos) << r.out;
+    EXPECT_TRUE(holds(r.out, "Properties (1)\n  load = 250"));
 
     r = run("--check-text - < " + scene("unknown_type.json"));
     EXPECT_EQ(r.status, 1);
@@ -255,10 +242,9 @@ TEST_F(Nqfexport, ViewerGetsTheFileInPlaceOfTheFirstMarkOnly) {
     std::ofstream(viewer) << "#!/bin/sh\nprintf '%s\\n' \"$@\" > " << (dir / "partial").string() << "\nmv "
                           << (dir / "partial").string() << " " << record.string() << "\n";
     fs::permissions(viewer, fs::perms::owner_all);
-    const fs::path out = dir / "viewed.nqf";
-    const Outcome r =
-        run(scene("empty.json") + " -o " + out.string() + " --set runViewerAfterExport=1" +
-            " --set viewerPath=" + viewer.string() + " '--set=viewerArgs=-open $FILE$ -log $FILE$'");
+    const Outcome r = exportTo("empty.json", "viewed.nqf",
+                               " --set runViewerAfterExport=1 --set viewerPath=" + viewer.string() +
+                                   " '--set=viewerArgs=-open $FILE$ -log $FILE$'");
     ASSERT_EQ(r.status, 0) << r.err;
     // The viewer runs on its own; give it a moment to write what it was given.
     for (int i = 0; i < 200 && !fs::exists(record); ++i) {
@@ -268,47 +254,16 @@ TEST_F(Nqfexport, ViewerGetsTheFileInPlaceOfTheFirstMarkOnly) {
 }
 
 TEST_F(Nqfexport, ViewerThatCannotStartIsShownButTheExportStands) {
-    const fs::path out = dir / "noviewer.nqf";
-    const Outcome r = run(scene("empty.json") + " -o " + out.string() +
-                          " --set runViewerAfterExport=1 --set viewerPath=" + (dir / "no-viewer").string());
+    const Outcome r =
+        exportTo("empty.json", "noviewer.nqf",
+                 " --set runViewerAfterExport=1 --set viewerPath=" + (dir / "no-viewer").string());
     EXPECT_EQ(r.status, 0);
-    EXPECT_NE(r.err.find("Error: Can't execute viewer.\n"), std::string::npos) << r.err;
+    EXPECT_TRUE(holds(r.err, "Error: Can't execute viewer.\n"));
     EXPECT_TRUE(fs::exists(out));
 }
 
-TEST_F(Nqfexport, MeshesBecomeOneRenderNodePerUsedSubMaterial) {
-    const fs::path out = dir / "hull.nqf";
-    const Outcome r = run(scene("meshes.json") + " -o " + out.string());
-    ASSERT_EQ(r.status, 0) << r.err;
-    const model::io::NqfDocument doc = read(out);
-    std::vector<const model::io::NqfNode*> renderNodes;
-    for (const auto& group : doc.groups) {
-        if (group.name == "RENDER_NODES") {
-            for (const auto& node : group.nodes) {
-                renderNodes.push_back(&node);
-            }
-        }
-    }
-    // The box's sides carry material ids 0 to 5 over three slots: slot 0 takes the bottom and the
-    // right side, the empty slot 1 nothing, slot 2 the front and the left. The mesh without a
-    // material gives no render node.
-    ASSERT_EQ(renderNodes.size(), 2u);
-    for (const model::io::NqfNode* node : renderNodes) {
-        EXPECT_EQ(node->head.name, "hull");
-        const auto& body = std::get<model::io::NqfRenderBody>(node->body);
-        EXPECT_EQ(body.vertices.count, 8u);
-        EXPECT_EQ(body.indices.values.size(), 12u);
-    }
-    EXPECT_NE(r.err.find("nRenderNodes: 2"), std::string::npos) << r.err;
-}
-
-TEST_F(Nqfexport, TimingsNameEachStageInOrderAndOnlyWhenAsked) {
-    const fs::path out = dir / "hull.nqf";
-    const Outcome quiet = run(scene("meshes.json") + " -o " + out.string());
-    ASSERT_EQ(quiet.status, 0) << quiet.err;
-    EXPECT_EQ(quiet.err.find("time of"), std::string::npos) << quiet.err;
-
-    const Outcome r = run(scene("meshes.json") + " -o " + out.string() + " --timings");
+TEST_F(Nqfexport, TimingsNameEachStageInOrder) {
+    const Outcome r = exportTo("meshes.json", "hull.nqf", " --timings");
     ASSERT_EQ(r.status, 0) << r.err;
     const std::regex line(R"(time of ([a-z ]+): ([0-9]+\.[0-9]{3}) s wall, ([0-9]+\.[0-9]{3}) s CPU)");
     std::vector<std::string> names;
@@ -331,8 +286,7 @@ TEST_F(Nqfexport, TimingsNameEachStageInOrderAndOnlyWhenAsked) {
 }
 
 TEST_F(Nqfexport, MeshFaultsAreReportedAndKeepTheFileAway) {
-    const fs::path out = dir / "faults.nqf";
-    const Outcome r = run(scene("mesh_faults.json") + " -o " + out.string());
+    const Outcome r = exportTo("mesh_faults.json", "faults.nqf");
     EXPECT_EQ(r.status, 1) << r.err;
     EXPECT_FALSE(fs::exists(out));
     for (const char* text :
@@ -341,7 +295,7 @@ TEST_F(Nqfexport, MeshFaultsAreReportedAndKeepTheFileAway) {
           "You should use type 'ik_bone' only in bones. Node 'arm'.\tFile: Exporter\\src\\Export:",
           "__VERSION__ property is official property, don't use it. Node: plate.\tFile: "
           "Exporter\\src\\Export:"}) {
-        EXPECT_NE(r.err.find(text), std::string::npos) << text << "\n" << r.err;
+        EXPECT_TRUE(holds(r.err, text));
     }
 }
 
@@ -374,25 +328,20 @@ TEST_F(Nqfexport, HelpersOverBoxesFoldDownToOneRenderNodePerMaterial) {
     std::ofstream(dir / "yard.json") << "{\"filePath\": \"/scenes/yard.max\", \"materials\": [" << materials
                                      << "], \"nodes\": [" << nodes << "]}";
 
-    const fs::path out = dir / "yard.nqf";
+    out = dir / "yard.nqf";
     const Outcome r = run((dir / "yard.json").string() + " -o " + out.string());
     ASSERT_EQ(r.status, 0) << r.err;
-    const model::io::NqfDocument doc = read(out);
+    const NqfDocument doc = read(out);
     ASSERT_EQ(doc.tree.size(), 1u);
     EXPECT_EQ(doc.tree[0].head.className, "model::Node");
-    std::size_t renderNodes = 0;
-    for (const auto& group : doc.groups) {
-        if (group.name == "RENDER_NODES") {
-            renderNodes = group.nodes.size();
-            std::uint32_t vertices = 0;
-            for (const auto& node : group.nodes) {
-                vertices += std::get<model::io::NqfRenderBody>(node.body).vertices.count;
-            }
-            // Every box keeps its own 24 corners: boxes three units apart never weld.
-            EXPECT_EQ(vertices, 50u * 24u);
-        }
+    const std::vector<const NqfNode*> renderNodes = groupNodes(doc, "RENDER_NODES");
+    EXPECT_EQ(renderNodes.size(), 3u);
+    std::uint32_t vertices = 0;
+    for (const NqfNode* node : renderNodes) {
+        vertices += std::get<model::io::NqfRenderBody>(node->body).vertices.count;
     }
-    EXPECT_EQ(renderNodes, 3u);
+    // Every box keeps its own 24 corners: boxes three units apart never weld.
+    EXPECT_EQ(vertices, 50u * 24u);
     EXPECT_EQ(doc.root.materials.size(), 3u);
 }
 
@@ -403,23 +352,17 @@ struct FileVertex {
 };
 
 // The vertices of all render nodes whose position lies in the plane x = 0.
-std::vector<FileVertex> verticesOnPlaneX0(const model::io::NqfDocument& doc) {
+std::vector<FileVertex> verticesOnPlaneX0(const NqfDocument& doc) {
     std::vector<FileVertex> out;
-    for (const auto& group : doc.groups) {
-        if (group.name != "RENDER_NODES") {
-            continue;
-        }
-        for (const auto& node : group.nodes) {
-            const auto& body = std::get<model::io::NqfRenderBody>(node.body);
-            const auto& format = doc.root.materials.at(body.material).vertexFormat;
-            // Attributes are interleaved in the order of their semantics: POSITION0, then NORMAL0.
-            const std::size_t normalAt = format[0];
-            EXPECT_GE(format[1], 3u);
-            for (std::uint32_t v = 0; v < body.vertices.count; ++v) {
-                const float* f = &body.vertices.data[std::size_t{v} * body.vertices.floatsPerVertex];
-                if (std::fabs(f[0]) > 1e-4) {
-                    continue;
-                }
+    for (const NqfNode* node : groupNodes(doc, "RENDER_NODES")) {
+        const auto& body = std::get<model::io::NqfRenderBody>(node->body);
+        const auto& format = doc.root.materials.at(body.material).vertexFormat;
+        // Attributes are interleaved in the order of their semantics: POSITION0, then NORMAL0.
+        const std::size_t normalAt = format[0];
+        EXPECT_GE(format[1], 3u);
+        for (std::uint32_t v = 0; v < body.vertices.count; ++v) {
+            const float* f = &body.vertices.data[std::size_t{v} * body.vertices.floatsPerVertex];
+            if (std::fabs(f[0]) <= 1e-4) {
                 out.push_back({{f[0], f[1], f[2]}, {f[normalAt], f[normalAt + 1], f[normalAt + 2]}});
             }
         }
@@ -430,10 +373,9 @@ std::vector<FileVertex> verticesOnPlaneX0(const model::io::NqfDocument& doc) {
 // Two unit-smoothed cubes, each under a helper with its own turn, touch along the plane x = 0.
 // The optimisers bake the helpers into the vertices before the smoothing writes its normals back.
 TEST_F(Nqfexport, CubesThatTouchShareTheirNormalsAlongTheSeamWhenSmoothingIsOn) {
-    const fs::path out = dir / "seam.nqf";
-    Outcome r = run(scene("smooth_seam.json") + " -o " + out.string());
+    Outcome r = exportTo("smooth_seam.json", "seam.nqf");
     ASSERT_EQ(r.status, 0) << r.err;
-    model::io::NqfDocument doc = read(out);
+    NqfDocument doc = read(out);
     // The tree folds down to its top node, so the file's vertices are in model space.
     ASSERT_EQ(doc.tree.size(), 1u);
     std::vector<FileVertex> seam = verticesOnPlaneX0(doc);
@@ -452,7 +394,7 @@ TEST_F(Nqfexport, CubesThatTouchShareTheirNormalsAlongTheSeamWhenSmoothingIsOn) 
         }
     }
 
-    r = run(scene("smooth_seam.json") + " -o " + out.string() + " --set smoothNormals=0");
+    r = exportTo("smooth_seam.json", "seam.nqf", " --set smoothNormals=0");
     ASSERT_EQ(r.status, 0) << r.err;
     seam = verticesOnPlaneX0(read(out));
     // Four corners, each with one vertex from either cube, each with its own cube's normal.
@@ -468,13 +410,12 @@ TEST_F(Nqfexport, CubesThatTouchShareTheirNormalsAlongTheSeamWhenSmoothingIsOn) 
 
 TEST_F(Nqfexport, NormalsThatCancelAcrossNodesNameTheirNodesAndKeepTheFileAway) {
     // "upper" and "lower" are one triangle facing up and down; "apart" stands alone.
-    const fs::path out = dir / "cancel.nqf";
-    const Outcome r = run(scene("smooth_cancel.json") + " -o " + out.string());
+    const Outcome r = exportTo("smooth_cancel.json", "cancel.nqf");
     EXPECT_EQ(r.status, 1) << r.err;
     EXPECT_FALSE(fs::exists(out));
-    EXPECT_NE(r.err.find("Node upper has zero normals.\n"), std::string::npos) << r.err;
-    EXPECT_NE(r.err.find("Node lower has zero normals.\n"), std::string::npos) << r.err;
-    EXPECT_EQ(r.err.find("Node apart"), std::string::npos) << r.err;
+    EXPECT_TRUE(holds(r.err, "Node upper has zero normals.\n"));
+    EXPECT_TRUE(holds(r.err, "Node lower has zero normals.\n"));
+    EXPECT_FALSE(holds(r.err, "Node apart"));
 }
 
 }  // namespace

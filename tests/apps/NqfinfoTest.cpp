@@ -33,22 +33,22 @@ TEST_F(Nqfinfo, SummaryOfAValidFile) {
     const Outcome r = run(file);
     EXPECT_EQ(r.status, 0) << r.err;
     EXPECT_EQ(r.err, "");
-    EXPECT_NE(r.out.find("Tree (12 nodes)\n  model::Node \"root\"\n    model::TransformNode \"t\"\n"
-                         "      model::Bone \"bone\"\n"),
-              std::string::npos)
-        << r.out;
-    EXPECT_NE(r.out.find("  CONNECTORS (1 node)\n    model::Connector \"hook\", on \"t\"\n"),
-              std::string::npos);
-    EXPECT_NE(r.out.find("model::RenderNode \"two\", material 1 \"sign\", on \"t\", \"bone\", 300 vertices, "
-                         "3 indices\n"),
-              std::string::npos);
-    EXPECT_NE(r.out.find("  [0] \"body\", material \"default\", 2 textures, 2 uniforms, 2 animated uniforms\n"
-                         "    slot 0: \"diffuse.dds\"\n    slot 13: \"damage.dds\"\n"),
-              std::string::npos);
-    EXPECT_NE(
-        r.out.find("Counts: 29 nodes (12 tree, 17 list), 2 materials, 318 vertices, 22 indices, 71 strings, "
-                   "8 handles\n"),
-        std::string::npos);
+    EXPECT_TRUE(apptest::holds(r.out,
+                               "Tree (12 nodes)\n  model::Node \"root\"\n    model::TransformNode \"t\"\n"
+                               "      model::Bone \"bone\"\n"));
+    EXPECT_TRUE(apptest::holds(r.out, "  CONNECTORS (1 node)\n    model::Connector \"hook\", on \"t\"\n"));
+    EXPECT_TRUE(
+        apptest::holds(r.out,
+                       "model::RenderNode \"two\", material 1 \"sign\", on \"t\", \"bone\", 300 vertices, "
+                       "3 indices\n"));
+    EXPECT_TRUE(
+        apptest::holds(r.out,
+                       "  [0] \"body\", material \"default\", 2 textures, 2 uniforms, 2 animated uniforms\n"
+                       "    slot 0: \"diffuse.dds\"\n    slot 13: \"damage.dds\"\n"));
+    EXPECT_TRUE(apptest::holds(
+        r.out,
+        "Counts: 29 nodes (12 tree, 17 list), 2 materials, 318 vertices, 22 indices, 71 strings, "
+        "8 handles\n"));
 }
 
 TEST_F(Nqfinfo, JsonDumpIsWellFormedAndExact) {
@@ -89,7 +89,7 @@ TEST_F(Nqfinfo, FaultIsOneLineAndExitOne) {
 
     const Outcome missing = run((dir / "none.nqf").string());
     EXPECT_EQ(missing.status, 1);
-    EXPECT_NE(missing.err.find("No such file or directory"), std::string::npos) << missing.err;
+    EXPECT_TRUE(apptest::holds(missing.err, "No such file or directory"));
 }
 
 TEST_F(Nqfinfo, UsageAndHelp) {
@@ -98,10 +98,9 @@ TEST_F(Nqfinfo, UsageAndHelp) {
     EXPECT_EQ(run("a.nqf b.nqf").status, 2);
     const Outcome help = run("--help");
     EXPECT_EQ(help.status, 0);
-    EXPECT_NE(help.out.find("Exit status: 0 the file is valid, 1 the file is faulty or cannot be read"),
-              std::string::npos)
-        << help.out;
-    EXPECT_NE(help.out.find("nqfinfo --json model.nqf"), std::string::npos);
+    EXPECT_TRUE(
+        apptest::holds(help.out, "Exit status: 0 the file is valid, 1 the file is faulty or cannot be read"));
+    EXPECT_TRUE(apptest::holds(help.out, "nqfinfo --json model.nqf"));
 }
 
 }  // namespace

@@ -26,6 +26,14 @@ inline std::string slurp(const fs::path& p) {
     return {std::istreambuf_iterator<char>(in), {}};
 }
 
+// Whether text holds part; a failure shows both.
+inline ::testing::AssertionResult holds(const std::string& text, const std::string& part) {
+    if (text.find(part) != std::string::npos) {
+        return ::testing::AssertionSuccess();
+    }
+    return ::testing::AssertionFailure() << "\"" << part << "\" is not in:\n" << text;
+}
+
 // The path of a document in tests/scenes.
 inline std::string scenePath(const std::string& name) {
     return std::string(NQ_SOURCE_DIR) + "/tests/scenes/" + name;

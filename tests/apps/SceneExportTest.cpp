@@ -155,9 +155,12 @@ TEST_F(SceneExport, MultiMaterialTakesIdsModuloItsSlotsAndSkipsTheEmptyOne) {
     ASSERT_EQ(status, 0) << err;
     const std::vector<RenderMesh> meshes = renderMeshes();
     // Ids 0 to 5 over three slots: 0 and 3 to "Paint", 2 and 5 to "Glass", 1 and 4 to the empty
-    // slot, which exports nothing.
+    // slot, which exports nothing; the mesh without a material gives no render node either.
     ASSERT_EQ(meshes.size(), 2u);
+    EXPECT_TRUE(apptest::holds(err, "nRenderNodes: 2"));
+    EXPECT_FALSE(apptest::holds(err, "time of"));  // timings only when asked
     for (const RenderMesh& m : meshes) {
+        EXPECT_EQ(m.name, "hull");
         const std::string shader = materialField(m.material, "materialName");
         ASSERT_TRUE(shader == "solid" || shader == "glass") << shader;
         // The 2-unit box: scene bottom (z = 0) and right (x = 1), front (y = -1) and left (x = -1);
