@@ -80,28 +80,36 @@ protected:
         fs::remove_all(dir);
         userSettings() = UserSettings();
     }
-    std::unique_ptr<scene::Scene> load(const std::string& json) { return scene::parseScene(json); }
+    // A recording host over the document json.
+    RecordingHost& hostFor(const std::string& json) {
+        scene = scene::parseScene(json);
+        recorder = std::make_unique<RecordingHost>(*scene, err);
+        return *recorder;
+    }
+    // One export to the target through a fresh exporter, as the host's menu starts it.
+    int exportOnce() { return exporter::NQModelExporter().DoExport(target.c_str(), nullptr, recorder.get()); }
 
     fs::path dir;
     std::string target;
     std::ostringstream err;
+    std::unique_ptr<scene::Scene> scene;
+    std::unique_ptr<RecordingHost> recorder;
 };
 
 constexpr const char* kTwoHelpers = R"({"filePath": "/scenes/Two.max", "nodes": [
     {"name": "a", "object": {}}, {"name": "b", "object": {}}]})";
+constexpr const char* kUnknownType =
+    R"({"nodes": [{"name": "x", "userProps": "TYPE = 'wheel'", "object": {}}]})";
 
 TEST_F(DoExportTest, ASecondExportWhileOneRunsIsRefused) {
-    auto scene = load(kTwoHelpers);
-    RecordingHost host(*scene, err);
+    RecordingHost& host = hostFor(kTwoHelpers);
     int inner = -1;
     host.onProgressStart = [&] {
         if (inner == -1) {
-            exporter::NQModelExporter second;
-            inner = second.DoExport(target.c_str(), nullptr, &host);
+            inner = exportOnce();
         }
     };
-    exporter::NQModelExporter first;
-    EXPECT_EQ(first.DoExport(target.c_str(), nullptr, &host), 1);
+    EXPECT_EQ(exportOnce(), 1);
     EXPECT_EQ(inner, 0);
     EXPECT_EQ(exporter::exportInProgress, 0);
     EXPECT_TRUE(fs::exists(target));
@@ -110,14 +118,12 @@ TEST_F(DoExportTest, ASecondExportWhileOneRunsIsRefused) {
 }
 
 TEST_F(DoExportTest, ViewerGetsTheTargetInPlaceOfTheFirstFileMarkOnly) {
-    auto scene = load(kTwoHelpers);
-    RecordingHost host(*scene, err);
+    RecordingHost& host = hostFor(kTwoHelpers);
     userSettings().setRunViewerAfterExport(true);
     userSettings().setViewerPath(L"/opt/viewer");
     userSettings().setViewerArgs(L"-open $FILE$ -log $FILE$");
     userSettings().setViewerWorkDir(L"/tmp");
-    exporter::NQModelExporter exporter;
-    exporter.DoExport(target.c_str(), nullptr, &host);
+    exportOnce();
     ASSERT_EQ(host.started.size(), 1u);
     EXPECT_EQ(host.started[0], "/opt/viewer|-open \"" + target + "\" -log $FILE$|/tmp");
     EXPECT_TRUE(host.boxes.empty());
@@ -126,18 +132,16 @@ TEST_F(DoExportTest, ViewerGetsTheTargetInPlaceOfTheFirstFileMarkOnly) {
     EXPECT_EQ(host.statistics[0].rfind("nTransformNodes: ", 0), 0u) << host.statistics[0];
     EXPECT_NE(host.statistics[0].find("\nnArguments: 0\n"), std::string::npos) << host.statistics[0];
     userSettings().setShowExportStat(false);
-    exporter.DoExport(target.c_str(), nullptr, &host);
+    exportOnce();
     EXPECT_EQ(host.statistics.size(), 1u);
 }
 
 TEST_F(DoExportTest, AViewerThatDoesNotStartIsReportedAndTheFileStands) {
-    auto scene = load(kTwoHelpers);
-    RecordingHost host(*scene, err);
+    RecordingHost& host = hostFor(kTwoHelpers);
     host.shellResult = 2;
     userSettings().setRunViewerAfterExport(true);
     userSettings().setViewerArgs(L"plain args");
-    exporter::NQModelExporter exporter;
-    EXPECT_EQ(exporter.DoExport(target.c_str(), nullptr, &host), 1);
+    EXPECT_EQ(exportOnce(), 1);
     ASSERT_EQ(host.started.size(), 1u);
     EXPECT_EQ(host.started[0], "|plain args|");
     ASSERT_EQ(host.boxes.size(), 1u);
@@ -147,12 +151,10 @@ TEST_F(DoExportTest, AViewerThatDoesNotStartIsReportedAndTheFileStands) {
 }
 
 TEST_F(DoExportTest, CollectedErrorsKeepTheFileAndTheViewerAway) {
-    auto scene = load(R"({"nodes": [{"name": "x", "userProps": "TYPE = 'wheel'", "object": {}}]})");
-    RecordingHost host(*scene, err);
+    RecordingHost& host = hostFor(kUnknownType);
     userSettings().setErrorOnInvalidUserDefs(true);
     userSettings().setRunViewerAfterExport(true);
-    exporter::NQModelExporter exporter;
-    EXPECT_EQ(exporter.DoExport(target.c_str(), nullptr, &host), 1);
+    EXPECT_EQ(exportOnce(), 1);
     EXPECT_FALSE(fs::exists(target));
     EXPECT_TRUE(host.started.empty());
     ASSERT_EQ(host.boxes.size(), 1u);
@@ -166,11 +168,9 @@ TEST_F(DoExportTest, CollectedErrorsKeepTheFileAndTheViewerAway) {
 }
 
 TEST_F(DoExportTest, CancelStopsWithoutAFileOrAMessage) {
-    auto scene = load(kTwoHelpers);
-    RecordingHost host(*scene, err);
+    RecordingHost& host = hostFor(kTwoHelpers);
     host.SetCancel(true);
-    exporter::NQModelExporter exporter;
-    EXPECT_EQ(exporter.DoExport(target.c_str(), nullptr, &host), 1);
+    EXPECT_EQ(exportOnce(), 1);
     EXPECT_FALSE(fs::exists(target));
     EXPECT_TRUE(host.boxes.empty());
     EXPECT_EQ(host.titles, std::vector<std::string>{"Exporting scene..."});
@@ -178,9 +178,7 @@ TEST_F(DoExportTest, CancelStopsWithoutAFileOrAMessage) {
 }
 
 TEST_F(DoExportTest, ScriptExportTakesExactlyOneArgumentAndAlwaysGivesOne) {
-    auto scene = load(R"({"nodes": [{"name": "x", "userProps": "TYPE = 'wheel'", "object": {}}]})");
-    RecordingHost host(*scene, err);
-    host::SetCOREInterface(&host);
+    host::SetCOREInterface(&hostFor(kUnknownType));
     userSettings().setErrorOnInvalidUserDefs(true);
     const host::ScriptValue path = target;
     EXPECT_EQ(exporter::ExportToNQF(std::span(&path, 1)), host::ScriptValue(1));
@@ -198,9 +196,8 @@ TEST_F(DoExportTest, ScriptExportTakesExactlyOneArgumentAndAlwaysGivesOne) {
 }
 
 TEST_F(DoExportTest, SetNodeTypeRewritesTypeAndKeepsTheRest) {
-    auto scene =
-        load(R"({"nodes": [{"name": "x", "userProps": "TYPE = 'renderable', load = 2.5", "object": {}},
-                                    {"name": "y", "object": {}}]})");
+    hostFor(R"({"nodes": [{"name": "x", "userProps": "TYPE = 'renderable', load = 2.5", "object": {}},
+                         {"name": "y", "object": {}}]})");
     host::INode* x = scene->root.GetChildNode(0);
     host::INode* y = scene->root.GetChildNode(1);
     const std::vector<host::ScriptValue> args{x, std::string("connector|user_box")};
