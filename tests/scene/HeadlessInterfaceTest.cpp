@@ -10,6 +10,7 @@
 #include <fstream>
 #include <sstream>
 #include <thread>
+#include <tuple>
 
 #include "host/Constants.h"
 #include "host/HostServices.h"
@@ -32,38 +33,30 @@ struct Host {
     HeadlessInterface ip;
 };
 
-void runExportProgress(host::Interface& ip) {
-    ip.ProgressStart("Exporting scene...", true, noProgressCallback, nullptr);
-    ip.ProgressUpdate(50);
-    ip.ProgressUpdate(50);
-    ip.ProgressUpdate(100, true, "Almost");
-    ip.ProgressEnd();
-    ip.ProgressEnd();  // a surplus end does nothing
-}
-
-TEST(HeadlessProgress, NothingWhenNotATerminal) {
-    Host h(false);
-    runExportProgress(h.ip);
-    EXPECT_EQ(h.err.str(), "");
-}
-
-TEST(HeadlessProgress, PlainLinesWhenVerbose) {
-    Host h(true, true);
-    runExportProgress(h.ip);
-    h.ip.ProgressUpdate(10);  // nothing open: ignored
-    EXPECT_EQ(h.err.str(), "Exporting scene...\nExporting scene... 50%\nAlmost 100%\n");
-}
-
-TEST(HeadlessProgress, BarRedrawnInPlaceOnATerminal) {
-    Host h(true);
-    runExportProgress(h.ip);
+TEST(HeadlessProgress, ShownAsTheTerminalAllows) {
     const std::string dots(30, '.');
     const std::string half = std::string(15, '#') + std::string(15, '.');
     const std::string full(30, '#');
-    EXPECT_EQ(h.err.str(), "\rExporting scene... [" + dots + "]" +                      // start
-                               "\rExporting scene... [" + half + "]  50%" +             // first update only
-                               "\rAlmost [" + full + "] 100%" + std::string(12, ' ') +  // shorter line
-                               "\r" + std::string(44, ' ') + "\r");                     // end clears the line
+    const std::tuple<bool, bool, std::string> cases[] = {
+        {false, false, ""},                                                         // not a terminal: nothing
+        {true, true, "Exporting scene...\nExporting scene... 50%\nAlmost 100%\n"},  // verbose: plain lines
+        // A terminal: the bar redrawn in place, only on the first of two equal updates, padded over
+        // a longer line, and cleared at the end.
+        {true, false,
+         "\rExporting scene... [" + dots + "]" + "\rExporting scene... [" + half + "]  50%" + "\rAlmost [" +
+             full + "] 100%" + std::string(12, ' ') + "\r" + std::string(44, ' ') + "\r"},
+    };
+    for (const auto& [terminal, verbose, expected] : cases) {
+        Host h(terminal, verbose);
+        h.ip.ProgressStart("Exporting scene...", true, noProgressCallback, nullptr);
+        h.ip.ProgressUpdate(50);
+        h.ip.ProgressUpdate(50);
+        h.ip.ProgressUpdate(100, true, "Almost");
+        h.ip.ProgressEnd();
+        h.ip.ProgressEnd();       // a surplus end does nothing
+        h.ip.ProgressUpdate(10);  // nothing open: ignored
+        EXPECT_EQ(h.err.str(), expected) << terminal << verbose;
+    }
 }
 
 TEST(HeadlessProgress, StartingAgainReplacesTheDisplay) {

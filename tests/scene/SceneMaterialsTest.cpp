@@ -1,6 +1,7 @@
 // Materials, maps, parameter blocks, controllers and the material description as the scene
 // document gives them to the host operations, and the faults in them.
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include "host/Constants.h"
@@ -114,15 +115,14 @@ TEST(SceneMaterials, EveryMaterialFieldReachesTheHostOperations) {
     auto* bitmap = dynamic_cast<host::BitmapTex*>(layers->GetSubTexmap(0));
     ASSERT_NE(bitmap, nullptr);
     EXPECT_EQ(bitmap->ClassID(), Class_ID(host::BMTEX_CLASS_ID, 0));
-    EXPECT_EQ(bitmap->GetMapName(), "C:\\maps\\Hull_D.dds");
-    EXPECT_EQ(bitmap->GetMapChannel(), 3);
     EXPECT_EQ(bitmap->GetTextureTiling(), host::U_MIRROR | host::V_MIRROR);
     host::Matrix3 uv;
     bitmap->GetUVTransform(uv);
-    EXPECT_EQ(uv.GetRow(1), host::Point3(0, 3, 0));
-    EXPECT_EQ(uv.GetTrans(), host::Point3(0.5f, 0, 0));
-    EXPECT_EQ(bitmap->GetUVGen()->GetUOffs(0), 0.25f);
-    EXPECT_EQ(bitmap->GetUVGen()->GetVOffs(0), -0.5f);
+    // File, channel, the second row and the translation of the transform, the offsets.
+    EXPECT_EQ(fmt::format("{} {} {} {} {} {} {} {} {} {}", bitmap->GetMapName(), bitmap->GetMapChannel(),
+                          uv.GetRow(1).x, uv.GetRow(1).y, uv.GetRow(1).z, uv.GetTrans().x, uv.GetTrans().y,
+                          uv.GetTrans().z, bitmap->GetUVGen()->GetUOffs(0), bitmap->GetUVGen()->GetVOffs(0)),
+              "C:\\maps\\Hull_D.dds 3 0 3 0 0.5 0 0 0.25 -0.5");
 
     ASSERT_EQ(mtl->NumParamBlocks(), 1);
     host::IParamBlock2* block = mtl->GetParamBlock(0);
@@ -165,22 +165,15 @@ TEST(SceneMaterials, EveryMaterialFieldReachesTheHostOperations) {
     EXPECT_TRUE(attrib->acceptsNodeKind(2));
     EXPECT_FALSE(attrib->acceptsNodeKind(1));
     host::MaterialDescription* d = attrib->description();
-    EXPECT_EQ(d->materialName(), "hull_shader");
-    EXPECT_EQ(d->depthBias(), 2);
-    EXPECT_EQ(d->decal(), 1);
-    EXPECT_EQ(d->uniformScript(), "a = 1;");
-    EXPECT_EQ(d->overrideScript(), "a = 2;");
-    EXPECT_EQ(d->hasNormals(), 0);
-    EXPECT_EQ(d->blending(), 3u);
-    EXPECT_EQ(d->shadowFlagA(), 0);
-    EXPECT_EQ(d->shadowFlagB(), 1);
+    EXPECT_EQ(fmt::format("{}|{}|{}|{}|{}|{}|{}|{}|{}", d->materialName(), d->depthBias(), d->decal(),
+                          d->uniformScript(), d->overrideScript(), d->hasNormals(), d->blending(),
+                          d->shadowFlagA(), d->shadowFlagB()),
+              "hull_shader|2|1|a = 1;|a = 2;|0|3|0|1");
     ASSERT_EQ(d->textureCount(), 1u);
     host::TextureSlotDesc slot;
     d->textureSlot(0, slot);
-    EXPECT_EQ(slot.slotName, "Diffuse");
-    EXPECT_EQ(slot.mapName, "Diffuse Color");
-    EXPECT_EQ(slot.layer, 1);
-    EXPECT_EQ(slot.uniformText, "b = 2;");
+    EXPECT_EQ(fmt::format("{}|{}|{}|{}", slot.slotName, slot.mapName, slot.layer, slot.uniformText),
+              "Diffuse|Diffuse Color|1|b = 2;");
 }
 
 TEST(SceneMaterials, AnAttributeWithoutListsAcceptsEveryNode) {
