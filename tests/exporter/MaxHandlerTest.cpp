@@ -42,6 +42,8 @@ protected:
 using Vec2 = model::Property<osg::Vec2f>;
 using Vec3 = model::Property<osg::Vec3f>;
 using Float = model::Property<float>;
+template <class T>
+using Keys = std::vector<model::AnimationKey<T>>;
 
 TEST_F(MaxHandlerTest, ConstantsComeFromTheMaterialAtTimeZero) {
     auto m = convert(
@@ -83,16 +85,10 @@ TEST_F(MaxHandlerTest, DrivenParametersBecomeAnimations) {
     ASSERT_NE(spec, nullptr);
     EXPECT_EQ(spec->argument, 3u);
     // The base added, the key within 0.001 of its neighbour dropped; no floor.
-    ASSERT_EQ(spec->keys.size(), 2u);
-    EXPECT_EQ(spec->keys[0].time, 0.0);
-    EXPECT_EQ(spec->keys[0].value, 0.25f);
-    EXPECT_EQ(spec->keys[1].time, 1.0);
-    EXPECT_EQ(spec->keys[1].value, 0.75f);
+    EXPECT_EQ(spec->keys, (Keys<float>{{0.0, 0.25f}, {1.0, 0.75f}}));
     auto* amb = uniform<model::AnimatedProperty<osg::Vec3f>>(m, "amb");
     ASSERT_NE(amb, nullptr);
-    ASSERT_EQ(amb->keys.size(), 1u);
-    EXPECT_EQ(amb->keys[0].time, 0.5);
-    EXPECT_EQ(amb->keys[0].value, (osg::Vec3f{{2, 3, 4}}));
+    EXPECT_EQ(amb->keys, (Keys<osg::Vec3f>{{0.5, {{2, 3, 4}}}}));
     EXPECT_EQ(uniform<model::AnimatedProperty<float>>(m, "bump")->argument, 2u);
 }
 
@@ -104,8 +100,7 @@ TEST_F(MaxHandlerTest, AnimatedOffsetsNegateU) {
     auto* uv = uniform<model::AnimatedProperty<osg::Vec2f>>(m, "uv");
     ASSERT_NE(uv, nullptr);
     EXPECT_EQ(uv->argument, 4u);
-    ASSERT_EQ(uv->keys.size(), 2u);
-    EXPECT_EQ(uv->keys[1].value, (osg::Vec2f{{-0.5f, 2}}));
+    EXPECT_EQ(uv->keys, (Keys<osg::Vec2f>{{0.0, {{-0.5f, 1}}}, {1.0, {{-0.5f, 2}}}}));
 
     std::string both = R"("mapSlots": [{"name": "Diffuse Color", "map": {"controllers": {
         "Coordinates/Parameters/U Offset": )" +
@@ -115,11 +110,8 @@ TEST_F(MaxHandlerTest, AnimatedOffsetsNegateU) {
     m = convert("uv = DIFFUSE_UV_OFFSET();", both);
     uv = uniform<model::AnimatedProperty<osg::Vec2f>>(m, "uv");
     ASSERT_NE(uv, nullptr);
-    ASSERT_EQ(uv->keys.size(), 3u);
-    EXPECT_EQ(uv->keys[0].value, (osg::Vec2f{{-1, 5}}));
-    EXPECT_EQ(uv->keys[1].time, 0.5);
-    EXPECT_EQ(uv->keys[1].value, (osg::Vec2f{{-2, 5}}));  // U sampled between its keys
-    EXPECT_EQ(uv->keys[2].value, (osg::Vec2f{{-3, 5}}));
+    // U sampled between its keys where V has one.
+    EXPECT_EQ(uv->keys, (Keys<osg::Vec2f>{{0.0, {{-1, 5}}}, {0.5, {{-2, 5}}}, {1.0, {{-3, 5}}}}));
 }
 
 TEST_F(MaxHandlerTest, FailureTexts) {

@@ -84,6 +84,14 @@ struct Export {
     }
 };
 
+// Exports the render nodes of the first scene node of json.
+Export exportOf(const std::string& json, FixedMaterials& materials,
+                const exporter::NodeSettings& settings = {}) {
+    Export e;
+    e.run(json, materials, settings);
+    return e;
+}
+
 V3 attributeOf(const model::BaseMeshRenderNode& node, model::VertexSemantic s, std::uint32_t vertex) {
     const model::VertexAttribute& a = node.vertices.attribute(s);
     const auto at = static_cast<std::size_t>(a.size) * vertex;
@@ -109,8 +117,7 @@ const char* kSixFaces = R"({"materials": [
 TEST(MeshExport, MultiMaterialSlotsTakeTheirFacesByIdModuloCount) {
     FixedMaterials materials;
     PropertiesSetPtr a = materials.add("a"), b = materials.add("b");
-    Export e;
-    e.run(kSixFaces, materials);
+    Export e = exportOf(kSixFaces, materials);
     // The empty slot makes no node, and its faces (ids 1 and 4) go nowhere.
     ASSERT_EQ(e.root->renderNodes().size(), 2u);
     EXPECT_EQ(materials.requests, (std::vector<std::string>{"0 model::RenderNode", "0 model::RenderNode"}));
@@ -140,8 +147,7 @@ TEST(MeshExport, NodesWithoutAConvertibleMaterialGiveNothing) {
           R"({"materials": [{"class": ["0x200", "0x0"], "subMaterials": [null, 1]}, {"name": "a"}],
               "nodes": [{"material": 0, )" +
               mesh + "}]}"}) {
-        Export e;
-        e.run(json, materials);
+        Export e = exportOf(json, materials);
         EXPECT_TRUE(e.root->renderNodes().empty()) << json;
         EXPECT_FALSE(e.parent->hasChildren()) << json;
     }
@@ -155,8 +161,7 @@ TEST(MeshExport, NameOffsetPropertiesAndTheSmoothingSeam) {
         "object": {"mesh": {"box": {}}}}]})";
     exporter::NodeSettings settings;
     settings.properties.push_back(model::createFloatProperty("speed", 2));
-    Export e;
-    e.run(json, materials, settings);
+    Export e = exportOf(json, materials, settings);
     ASSERT_EQ(e.root->renderNodes().size(), 1u);
     model::RenderNode& n = e.node(0);
     EXPECT_EQ(n.name, "hull");
@@ -170,8 +175,7 @@ TEST(MeshExport, NameOffsetPropertiesAndTheSmoothingSeam) {
     EXPECT_TRUE(e.collected.empty());
 
     settings.smoothNormals = true;
-    Export smoothed;
-    smoothed.run(json, materials, settings);
+    Export smoothed = exportOf(json, materials, settings);
     ASSERT_EQ(smoothed.collected.size(), 1u);
     // One group for each welded vertex: 4 corners on each of the 6 sides.
     ASSERT_EQ(smoothed.collected[0].size(), 24u);
@@ -180,8 +184,7 @@ TEST(MeshExport, NameOffsetPropertiesAndTheSmoothingSeam) {
     // A fault drops the render node and is reported with the node's name.
     settings.properties.push_back(model::createFloatProperty("__VERSION__", 1));
     exporter::clearErrors();
-    Export official;
-    official.run(json, materials, settings);
+    Export official = exportOf(json, materials, settings);
     EXPECT_TRUE(official.root->renderNodes().empty());
     EXPECT_EQ(
         exporter::test::errorTexts(),
@@ -194,14 +197,12 @@ TEST(MeshExport, EqualCornersWeldBitForBit) {
         "object": {"mesh": {"box": {}}}}]})";
     FixedMaterials withNormals;
     withNormals.add("a");
-    Export sides;
-    sides.run(json, withNormals);
+    Export sides = exportOf(json, withNormals);
     EXPECT_EQ(sides.node(0).vertices.vertexCount(), 24u);
     EXPECT_EQ(sides.node(0).indices.indices.size(), 36u);
     FixedMaterials positionsOnly;
     positionsOnly.add("a", false);
-    Export corners;
-    corners.run(json, positionsOnly);
+    Export corners = exportOf(json, positionsOnly);
     EXPECT_EQ(corners.node(0).vertices.vertexCount(), 8u);
 
     std::vector<exporter::VertexRecord> records(3);
@@ -225,8 +226,7 @@ TEST(MeshExport, MirroredNodeKeepsItsOutwardSide) {
          {std::pair<std::string, bool>{"[[1,0,0],[0,1,0],[0,0,1],[0,0,0]]", false},
           std::pair<std::string, bool>{"[[-1,0,0],[0,1,0],[0,0,1],[0,0,0]]", true},
           std::pair<std::string, bool>{"[[-1,0,0],[0,-1,0],[0,0,1],[0,0,0]]", false}}) {
-        Export e;
-        e.run(triangleNode(localTM), materials);
+        Export e = exportOf(triangleNode(localTM), materials);
         ASSERT_EQ(e.root->renderNodes().size(), 1u);
         host::Matrix3 tm = e.scene->root.GetChildNode(0)->GetObjectTM(0);
         EXPECT_EQ(exporter::isMirrored(tm), mirrored);
@@ -249,12 +249,11 @@ TEST(MeshExport, CornerNormalsFollowTheRenderVertices) {
     materials.add("a");
     // Face A lies in z = 0 (normal +z); face B stands in x = 0 (normal -x); both share vertices 0 and 2.
     auto run = [&](int groupB, const std::string& extra = "") {
-        Export e;
-        e.run(R"({"materials": [{"name": "a"}], "nodes": [{"material": 0, "object": {"mesh": {
+        Export e = exportOf(R"({"materials": [{"name": "a"}], "nodes": [{"material": 0, "object": {"mesh": {
             "vertices": [[0,0,0],[1,0,0],[0,1,0],[0,0,1]],
             "faces": [{"verts": [0,1,2], "smoothing": 1}, {"verts": [0,3,2], "smoothing": )" +
-                  std::to_string(groupB) + "}]" + extra + "}}}]}",
-              materials);
+                                std::to_string(groupB) + "}]" + extra + "}}}]}",
+                            materials);
         return e;
     };
     auto normalAtCorner = [](Export& e, std::size_t corner) {
@@ -277,10 +276,10 @@ TEST(MeshExport, CornerNormalsFollowTheRenderVertices) {
     expectNear(normalAtCorner(specified, 3), {0, 1, 0});
 
     // A face without area and without a group gets (0, 1, 0).
-    Export degenerate;
-    degenerate.run(R"({"materials": [{"name": "a"}], "nodes": [{"material": 0, "object": {"mesh": {
+    Export degenerate =
+        exportOf(R"({"materials": [{"name": "a"}], "nodes": [{"material": 0, "object": {"mesh": {
         "vertices": [[0,0,0],[1,0,0],[2,0,0]], "faces": [[0,1,2]]}}}]})",
-                   materials);
+                 materials);
     expectNear(normalAtCorner(degenerate, 0), {0, 1, 0});
 }
 
@@ -297,12 +296,11 @@ TEST(MeshExport, TextureCoordinatesByChannelWithTransformsAndFlippedV) {
     m->textures[4].matrix(1, 1) = 2;
     m->textures[4].matrix(3, 0) = 0.5f;
     m->textures[4].matrix(3, 1) = 0.25f;
-    Export e;
-    e.run(R"({"materials": [{"name": "a"}], "nodes": [{"material": 0, "object": {"mesh": {
+    Export e = exportOf(R"({"materials": [{"name": "a"}], "nodes": [{"material": 0, "object": {"mesh": {
         "vertices": [[0,0,0],[1,0,0],[0,1,0]], "faces": [[0,1,2]],
         "maps": [{"channel": 1, "vertices": [[0.25, 0.125], [1, 0], [0, 1]], "faces": [[0, 1, 2]]},
                  {"channel": 2, "vertices": [[0.5, 0.5]]}]}}}]})",
-          materials);
+                        materials);
     const model::RenderNode& n = e.node(0);
     const std::uint32_t first = n.indices.indices[0];
     auto uv = [&](int channel) {
@@ -321,12 +319,11 @@ TEST(MeshExport, TangentsFollowTheNormalMapChannel) {
     m->textureChannels[1] = 0;  // NormalMap
     m->vertexFormat[model::TANGENT0] = 3;
     m->vertexFormat[model::BINORMAL0] = 3;
-    Export e;
-    e.run(R"({"materials": [{"name": "a"}], "nodes": [{"material": 0, "object": {"mesh": {
+    Export e = exportOf(R"({"materials": [{"name": "a"}], "nodes": [{"material": 0, "object": {"mesh": {
         "vertices": [[0,0,0],[2,0,0],[0,2,0],[2,2,0]],
         "faces": [{"verts": [0,1,2], "smoothing": 1}, {"verts": [2,1,3], "smoothing": 1}],
         "maps": [{"channel": 1, "vertices": [[0,0],[1,0],[0,1],[1,1]], "faces": [[0,1,2],[2,1,3]]}]}}}]})",
-          materials);
+                        materials);
     const model::RenderNode& n = e.node(0);
     ASSERT_EQ(n.vertices.vertexCount(), 4u);
     for (std::uint32_t v = 0; v < 4; ++v) {
@@ -371,8 +368,7 @@ TEST(MeshExport, WeldedCornersMatchOneRecordPerCornerOnRandomMeshes) {
             round % 3 ? 1 : -1, vertices, faces,
             round % 4 ? "" : fmt::format(R"({{"vertex": {}, "normal": [0, -0.0, 1]}})", pick(vertexCount)),
             mapVertices, mapFaces);
-        Export e;
-        e.run(json, materials);
+        Export e = exportOf(json, materials);
         host::Mesh& mesh = static_cast<host::TriObject*>(e.scene->root.GetChildNode(0)->GetObjectRef())->mesh;
         const bool mirrored = round % 3 == 0;
         std::size_t taken = 0;
