@@ -19,6 +19,7 @@
 #include "scene/KnownClasses.h"
 #include "scene/MaterialLoader.h"
 #include "scene/MeshLoader.h"
+#include "scene/NodeSlices.h"
 #include "scene/SceneObject.h"
 
 namespace scene {
@@ -34,6 +35,8 @@ public:
     explicit SceneReader(Scene& scene) : scene_(scene) {}
 
     void readDocument(element root);
+    // Reads the item at index of the root's "nodes" as the root's next child.
+    void readTopNode(std::size_t index, element value);
 
 private:
     host::Box3 readBox(element value);
@@ -86,6 +89,12 @@ void SceneReader::readDocument(element root) {
         }
         return true;
     });
+}
+
+void SceneReader::readTopNode(std::size_t index, element value) {
+    Step nodes(*this, {"nodes"});
+    Step item(*this, {{}, index});
+    readNode(value, scene_.root.addChild());
 }
 
 void SceneReader::readNode(element value, SceneNode& node) {
@@ -178,7 +187,52 @@ host::Object* SceneReader::readObject(element value) {
     return &scene_.addObject(std::make_unique<SceneObject>(*superClass, *classId));
 }
 
+// Nodes nested deeper than this inside a top-level node are left to the reading of the whole
+// document, whose parser allows 1024 levels counted from the root: a node sits two levels down,
+// and the margin keeps the parse of a node from ever accepting what the whole parse refuses.
+constexpr std::size_t kNodeDepth = simdjson::DEFAULT_MAX_DEPTH - 16;
+
+// Reads the document one top-level node at a time: each node is parsed into a small tape of its
+// own, reused from node to node and read while it is still in the caches, instead of one tape for
+// the whole document (16 bytes a number, hundreds of megabytes for a large mesh scene) written
+// once to fresh memory and read once. The rest of the document is parsed and read as a skeleton
+// first, so materials and the root's own fields come in the same order as in the whole reading.
+// Nothing when the document cannot be read this way or has any fault: the caller then reads it
+// whole, so that the fault reported, and which of several comes first, is that reading's.
+std::unique_ptr<Scene> readSceneByNodes(const simdjson::padded_string& text) {
+    std::optional<NodeSlices> slices = sliceNodes(text);
+    if (!slices) {
+        return nullptr;
+    }
+    try {
+        auto scene = std::make_unique<Scene>();
+        SceneReader reader(*scene);
+        simdjson::dom::parser parser;
+        element root;
+        if (parser.parse(slices->skeleton).get(root)) {
+            return nullptr;
+        }
+        reader.readDocument(root);
+        if (parser.allocate(simdjson::SIMDJSON_PADDING, kNodeDepth)) {
+            return nullptr;
+        }
+        for (std::size_t i = 0; i < slices->nodes.size(); ++i) {
+            const std::string_view node = slices->nodes[i];
+            if (parser.parse(node.data(), node.size(), false).get(root)) {
+                return nullptr;
+            }
+            reader.readTopNode(i, root);
+        }
+        return scene;
+    } catch (const DocumentError&) {
+        return nullptr;
+    }
+}
+
 std::unique_ptr<Scene> readScene(const simdjson::padded_string& text) {
+    if (auto scene = readSceneByNodes(text)) {
+        return scene;
+    }
     simdjson::dom::parser parser;
     element root = parseJson(parser, text);
     auto scene = std::make_unique<Scene>();
