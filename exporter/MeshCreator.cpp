@@ -49,7 +49,7 @@ MeshCreator::MeshCreator(const model::VertexFormat& format, std::size_t vertexCo
 
 template <std::size_t N>
 void MeshCreator::put(int semantic, std::size_t index, const std::array<float, N>& values) {
-    const std::size_t n = format_[semantic];
+    const std::size_t n = format_.counts[static_cast<std::size_t>(semantic)];
     std::vector<float>& out = array(semantic);
     std::copy_n(values.begin(), std::min(n, N), out.begin() + static_cast<std::ptrdiff_t>(n * index));
 }
@@ -72,22 +72,17 @@ void MeshCreator::addVertex(std::size_t index, const VertexRecord& record) {
     }
 }
 
-std::vector<float> MeshCreator::build() const {
+model::Vertices MeshCreator::build() {
     for (const auto& [semantic, message] : checkedArrays()) {
         if (array(semantic).size() != format_[semantic] * count_) {
             throw nq::ExtException(message);
         }
     }
-    std::vector<float> out;
-    out.reserve(format_.sum() * count_);
-    for (std::size_t v = 0; v < count_; ++v) {
-        for (int s = 0; s < model::kVertexSemanticCount; ++s) {
-            const std::size_t n = format_[s];
-            const auto first = array(s).begin() + static_cast<std::ptrdiff_t>(n * v);
-            out.insert(out.end(), first, first + static_cast<std::ptrdiff_t>(n));
-        }
+    model::Vertices vertices(format_);
+    for (auto& [semantic, attribute] : vertices.attributes) {
+        attribute.data = std::move(array(semantic));
     }
-    return out;
+    return vertices;
 }
 
 }  // namespace exporter

@@ -1,6 +1,6 @@
 #pragma once
 // Assembles the vertices of one render node: one float array per attribute, filled vertex by
-// vertex from the welded records, checked and interleaved at the end.
+// vertex from the welded records, checked at the end and handed over as they stand.
 
 #include <array>
 #include <cstddef>
@@ -10,6 +10,7 @@
 #include "exporter/VertexRecord.h"
 #include "model/VertexFormat.h"
 #include "model/VertexSemantic.h"
+#include "model/Vertices.h"
 
 namespace exporter {
 
@@ -39,8 +40,9 @@ public:
     void addVertex(std::size_t index, const VertexRecord& record);
 
     // Checks that every array holds format entry times vertex count floats (else
-    // nq::ExtException naming the array), then interleaves them in ascending semantic order.
-    std::vector<float> build() const;
+    // nq::ExtException naming the array), then moves the arrays of the format's attributes into
+    // the vertices it returns; the creator's arrays are left empty.
+    model::Vertices build();
 
     std::size_t vertexCount() const { return count_; }
     int floats(int semantic) const { return format_[semantic]; }

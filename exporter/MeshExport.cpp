@@ -312,7 +312,7 @@ model::Ptr<model::BaseMeshRenderNode> exportRenderNode(const MeshContext& contex
         computeTangents(creator, indices, texCoordSemantic(*material, kDamageNormalMapCoords),
                         kDamageTangents, kDamageBinormals);
     }
-    renderNode->vertices = model::Vertices(creator.build(), records.size(), format);
+    renderNode->vertices = creator.build();
     renderNode->indices = model::Indices(model::kTriangleList, std::move(indices));
 
     for (const auto& property : settings.properties) {

@@ -33,7 +33,7 @@ TEST(MeshCreator, InterleavesInSemanticOrderWithTheBoneWordInThePosition) {
     r.boneWeights = {0.5f, 0.5f, 0, 0};
     r.boneIndices = 0x04030201u;
     creator.addVertex(1, r);
-    const std::vector<float> out = creator.build();
+    const std::vector<float> out = creator.build().interleaved();
     ASSERT_EQ(out.size(), 2u * 14u);
     // Vertex 0 was never added and stays zero.
     for (int i = 0; i < 14; ++i) {
