@@ -1,6 +1,5 @@
 #include "exporter/MeshExport.h"
 
-#include <algorithm>
 #include <cmath>
 
 #include "core/ExtException.h"
@@ -175,9 +174,17 @@ private:
 
     bool sameSource(const Source& source, std::uint32_t normal, std::uint32_t smGroup,
                     std::uint32_t s) const {
-        return source.normal == normal && source.smGroup == smGroup &&
-               std::equal(cornerMaps_.begin(), cornerMaps_.end(),
-                          maps_.begin() + static_cast<std::ptrdiff_t>(s * channels_));
+        if (source.normal != normal || source.smGroup != smGroup) {
+            return false;
+        }
+        // A plain loop: there are one or two channels, too few for a call to memcmp to pay.
+        const std::uint32_t* maps = maps_.data() + s * channels_;
+        for (std::size_t i = 0; i < channels_; ++i) {
+            if (maps[i] != cornerMaps_[i]) {
+                return false;
+            }
+        }
+        return true;
     }
 
     std::vector<std::uint32_t> firstOfVertex_;

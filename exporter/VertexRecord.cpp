@@ -98,6 +98,10 @@ std::vector<std::uint32_t> weldRecords(std::vector<VertexRecord>& records,
             remap[i] = remap[slots[slot]];
         }
     }
+    // With every record distinct the records and indices stand as they are.
+    if (keep.size() == records.size()) {
+        return remap;
+    }
     std::vector<VertexRecord> welded;
     welded.reserve(keep.size());
     for (std::uint32_t i : keep) {
