@@ -2,6 +2,7 @@
 // specified normals, or the "box" shorthand that stands for a whole box.
 
 #include <array>
+#include <cstring>
 #include <memory>
 
 #include <fmt/format.h>
@@ -66,6 +67,48 @@ void reserveFor(List& list, element value) {
     if (!value.get_array().get(array)) {
         list.reserve(list.size() + array.size());
     }
+}
+
+// Whether key is the text of the literal, compared in one piece of known length.
+template <std::size_t N>
+bool isKey(std::string_view key, const char (&literal)[N]) {
+    return key.size() == N - 1 && std::memcmp(key.data(), literal, N - 1) == 0;
+}
+
+// The fast form of a face written as an object: "verts" with three plain in-range indices, and
+// "smoothing" and "materialId" as plain in-range integers, each at most once, without entering
+// the document path. False on anything else (the face may then be partly filled), leaving the
+// face to the checked reading, whose fault names its place.
+bool tryReadFace(simdjson::dom::object object, std::int64_t maxVertex, host::Face& face) {
+    bool verts = false;
+    bool smoothing = false;
+    bool materialId = false;
+    for (simdjson::dom::key_value_pair field : object) {
+        std::int64_t number = 0;
+        if (isKey(field.key, "verts") && !verts) {
+            simdjson::dom::array array;
+            if (field.value.get_array().get(array) || array.size() != 3 ||
+                !DocumentReader::tryReadIndices(array, maxVertex, face.v)) {
+                return false;
+            }
+            verts = true;
+        } else if (isKey(field.key, "smoothing") && !smoothing) {
+            if (field.value.get_int64().get(number) || number < 0 || number > 0xFFFFFFFF) {
+                return false;
+            }
+            face.smGroup = static_cast<host::DWORD>(number);
+            smoothing = true;
+        } else if (isKey(field.key, "materialId") && !materialId) {
+            if (field.value.get_int64().get(number) || number < 0 || number > 0xFFFF) {
+                return false;
+            }
+            face.setMatID(static_cast<host::MtlID>(number));
+            materialId = true;
+        } else {
+            return false;
+        }
+    }
+    return verts;
 }
 
 }  // namespace
@@ -146,9 +189,11 @@ host::Object* readMeshObject(DocumentReader& reader, Scene& scene, const std::op
                     face.v[k] = static_cast<host::DWORD>(reader.readInteger(index, 0, vertexCount - 1));
                 });
             };
+            simdjson::dom::object fields;
             if (item.is_array()) {
                 readCorners(item);
-            } else {
+            } else if (item.get_object().get(fields) || !tryReadFace(fields, vertexCount - 1, face)) {
+                face = host::Face();
                 bool hasCorners = false;
                 reader.readFields(item, [&](std::string_view key, element field) {
                     if (key == "verts") {

@@ -5,6 +5,8 @@
 #include <set>
 #include <string>
 
+#include <fmt/format.h>
+
 #include "host/Constants.h"
 #include "host/Mesh.h"
 #include "scene/SceneFault.h"
@@ -23,19 +25,23 @@ host::Mesh& meshOf(scene::Scene& scene, int node = 0) {
 TEST(MeshDocument, FullFormAsGiven) {
     auto scene = scene::parseScene(R"({"nodes": [{"object": {"superClass": "0x10", "mesh": {
         "vertices": [[0, 0, 0], [1, 0, 0], [0, 1, 0], [1, 1, 0]],
-        "faces": [[0, 1, 2], {"verts": [2, 1.0, 3e0], "smoothing": 6, "materialId": 65535}],
-        "maps": [{"channel": 3, "vertices": [[0, 0], [1, 0, 0.5]], "faces": [[0, 1, 1], [1, 1, 0]]}],
+        "faces": [[0, 1, 2], {"verts": [2, 1.0, 3e0], "smoothing": 6, "materialId": 65535},
+                  {"materialId": 7, "verts": [3, 2, 1], "smoothing": 4294967295},
+                  {"smoothing": 2.0, "verts": [1, 2, 3]}],
+        "maps": [{"channel": 3, "vertices": [[0, 0], [1, 0, 0.5]], "faces": [[0, 1, 1], [1, 1, 0], [0, 0, 0], [0, 0, 0]]}],
         "normals": [{"vertex": 3, "normal": [0, 0, -1]}]}}},
         {"object": {"class": ["0x9", "0x0"]}}]})");
     host::Mesh& mesh = meshOf(*scene);
     ASSERT_EQ(mesh.getNumVerts(), 4);
-    ASSERT_EQ(mesh.getNumFaces(), 2);
-    EXPECT_EQ(mesh.faces[0].smGroup, 0u);
-    EXPECT_EQ(mesh.faces[0].getMatID(), 0);
-    EXPECT_EQ(mesh.faces[1].v[1], 1u);
-    EXPECT_EQ(mesh.faces[1].v[2], 3u);
-    EXPECT_EQ(mesh.faces[1].smGroup, 6u);
-    EXPECT_EQ(mesh.faces[1].getMatID(), 65535);
+    ASSERT_EQ(mesh.getNumFaces(), 4);
+    auto faceText = [&](int i) {
+        const host::Face& f = mesh.faces[static_cast<std::size_t>(i)];
+        return fmt::format("{} {} {} / {} / {}", f.v[0], f.v[1], f.v[2], f.smGroup, f.getMatID());
+    };
+    EXPECT_EQ(faceText(0), "0 1 2 / 0 / 0");
+    EXPECT_EQ(faceText(1), "2 1 3 / 6 / 65535");
+    EXPECT_EQ(faceText(2), "3 2 1 / 4294967295 / 7");
+    EXPECT_EQ(faceText(3), "1 2 3 / 2 / 0");
     // Channels below the highest given exist and are empty.
     ASSERT_EQ(mesh.getNumMaps(), 4);
     EXPECT_EQ(mesh.Map(1).getNumVerts(), 0);
@@ -94,6 +100,13 @@ TEST(MeshDocument, FaultsNameTheirPath) {
                 "nodes[0].object.mesh.faces[0].verts", "required: the 3 vertex indices of the face");
     expectFault(R"({"vertices": [[0, 0, 0]], "faces": [{"verts": [0, 0, 0], "materialId": 65536}]})",
                 "nodes[0].object.mesh.faces[0].materialId", "expected an integer from 0 to 65535");
+    expectFault(R"({"vertices": [[0, 0, 0]], "faces": [{"verts": [0, 0, 0], "smoothing": 4294967296}]})",
+                "nodes[0].object.mesh.faces[0].smoothing", "expected an integer from 0 to 4294967295");
+    expectFault(
+        R"({"vertices": [[0, 0, 0]], "faces": [{"verts": [0, 0, 0], "smoothing": 1, "verts": [0, 0, 0]}]})",
+        "nodes[0].object.mesh.faces[0].verts", "repeated field");
+    expectFault(R"({"vertices": [[0, 0, 0]], "faces": [{"verts": [0, 0, 0], "smooth": 1}]})",
+                "nodes[0].object.mesh.faces[0].smooth", "unknown field");
     expectFault(
         "{" + tri + R"(, "maps": [{"channel": 1, "vertices": [[0, 0]], "faces": [[0, 0, 0], [0, 0, 0]]}]})",
         "nodes[0].object.mesh.maps[0].faces",
