@@ -50,9 +50,9 @@ public:
             inString_ = (string >> 63) != 0;
             const std::uint64_t open = m.open & ~string;
             const std::uint64_t close = m.close & ~string;
-            const int closes = std::popcount(close);
+            const int closes = bitCount(close);
             if (depth_ - closes > 0) {
-                depth_ += std::popcount(open) - closes;
+                depth_ += bitCount(open) - closes;
             } else {
                 for (std::uint64_t rest = open | close; rest != 0; rest &= rest - 1) {
                     const int i = std::countr_zero(rest);
@@ -115,6 +115,15 @@ private:
             m.close |= bits(folded, '}');
         }
         return m;
+    }
+
+    // The number of bits set, inline: without the POPCNT instruction in the target, std::popcount
+    // is a call into the compiler's runtime, made twice for every block.
+    static int bitCount(std::uint64_t x) {
+        x -= (x >> 1) & 0x5555555555555555u;
+        x = (x & 0x3333333333333333u) + ((x >> 2) & 0x3333333333333333u);
+        x = (x + (x >> 4)) & 0x0F0F0F0F0F0F0F0Fu;
+        return static_cast<int>((x * 0x0101010101010101u) >> 56);
     }
 
     // Bit i is set when an odd number of the bits 0 to i of quotes are: the bytes from an opening
