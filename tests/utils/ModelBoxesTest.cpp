@@ -24,17 +24,16 @@ Ptr<TransformNode> moved(const Ptr<Node>& parent, double x, double y, double z, 
 }
 
 TEST(ModelBoxes, EmptyModelsHaveEmptyBoxes) {
-    Ptr<RootNode> root = createNodeAs<RootNode>("model::RootNode");
-    root->setRootNode(createNode("top"));
-    EXPECT_FALSE(computeBoundingBox(*root).isValid());
-    EXPECT_EQ(computeBoundingBox(*root), Box{});
-    EXPECT_EQ(computeLightBox(*root), Box{});
+    mergetest::Scene s = mergetest::makeScene();
+    EXPECT_FALSE(computeBoundingBox(*s.root).isValid());
+    EXPECT_EQ(computeBoundingBox(*s.root), Box{});
+    EXPECT_EQ(computeLightBox(*s.root), Box{});
 }
 
 TEST(ModelBoxes, VerticesGoThroughTheChainOfTheParentTheirTagNames) {
-    Ptr<RootNode> root = createNodeAs<RootNode>("model::RootNode");
-    Ptr<Node> top = createNode("top");
-    root->setRootNode(top);
+    mergetest::Scene s = mergetest::makeScene();
+    const Ptr<RootNode>& root = s.root;
+    const Ptr<Node> top = root->rootNode();
     // The outer transform scales by 2 after moving by 10 in x; the inner ones move again.
     Ptr<TransformNode> outer = moved(top, 10, 0, 0);
     Ptr<TransformNode> left = moved(outer, 0, 5, 0, 2);
@@ -58,9 +57,9 @@ TEST(ModelBoxes, VerticesGoThroughTheChainOfTheParentTheirTagNames) {
 }
 
 TEST(ModelBoxes, LightBoxHoldsThePositionsOfTheLightsTreeNodes) {
-    Ptr<RootNode> root = createNodeAs<RootNode>("model::RootNode");
-    Ptr<Node> top = createNode("top");
-    root->setRootNode(top);
+    mergetest::Scene s = mergetest::makeScene();
+    const Ptr<RootNode>& root = s.root;
+    const Ptr<Node> top = root->rootNode();
     for (double x : {4.0, -2.0}) {
         Ptr<LightNode> light = createNodeAs<LightNode>("model::LightNode");
         light->setLink(0, moved(top, x, 1, x * 2));

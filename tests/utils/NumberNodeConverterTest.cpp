@@ -86,12 +86,11 @@ TEST_F(NumberNodeConverterTest, DigitsOfOneMaterialBecomeOneNumberNode) {
     EXPECT_EQ(n.indices.indices, (std::vector<std::uint32_t>{0, 1, 2, 3, 4, 5}));
     EXPECT_EQ(n.vertices.attribute(COLOR1).data, (std::vector<float>{0, 0, 0, 1, 1, 1}));
     EXPECT_EQ(n.vertices.attribute(POSITION0).data[12], 2.0f);
-    // One entry per digit in the list of the one link, with the digit's own argument.
-    ASSERT_EQ(n.entries.size(), 1u);
-    ASSERT_EQ(n.entries[0].size(), 2u);
-    EXPECT_EQ(n.entries[0][0].words[0], 7u);
-    EXPECT_EQ(n.entries[0][1].words[0], 9u);
-    EXPECT_EQ(n.entries[0][1].words[1], 1u);
+    // One entry per digit in the list of the one link, with the digit's own argument and number;
+    // the digits have no texture coordinates, so their rectangles are empty.
+    EXPECT_EQ(
+        n.entries,
+        (std::vector<std::vector<NumberEntry>>{{NumberEntry{{7, 0, 0, 0}}, NumberEntry{{9, 1, 0, 0}}}}));
 }
 
 TEST_F(NumberNodeConverterTest, DigitsSplitByMaterialAndByNumberRoot) {
@@ -206,16 +205,12 @@ TEST_F(NumberNodeConverterTest, DigitEntryPacksTheTextureRectangleAsHalves) {
     d->links[0].argument = 3;
     d->vertices.setAttribute(TEXCOORD1, 2, {0.5f, 0.25f, 1.0f, -2.0f, 0.75f, 0.0f});
     d->vertices.setAttribute(TEXCOORD3, 2, std::vector<float>(6, 9.0f));  // not the lowest channel
-    NumberEntry e = digitEntry(*d, 4);
-    EXPECT_EQ(e.words[0], 3u);
-    EXPECT_EQ(e.words[1], 4u);
-    EXPECT_EQ(e.words[2], 0xC0003800u);  // u 0.5, v -2
-    EXPECT_EQ(e.words[3], 0x34003C00u);  // u 1, v 0.25
+    // The rectangle's corners as halves: u 0.5, v -2 and u 1, v 0.25.
+    EXPECT_EQ(digitEntry(*d, 4), (NumberEntry{{3, 4, 0xC0003800u, 0x34003C00u}}));
     // Without texture coordinates the rectangle is empty.
     d->vertices.attributes.erase(TEXCOORD1);
     d->vertices.attributes.erase(TEXCOORD3);
-    EXPECT_EQ(digitEntry(*d, 0).words[2], 0u);
-    EXPECT_EQ(digitEntry(*d, 0).words[3], 0u);
+    EXPECT_EQ(digitEntry(*d, 0), (NumberEntry{{3, 0, 0, 0}}));
 }
 
 TEST(HalfBits, RoundsToNearestEvenAndKeepsTheEdges) {
