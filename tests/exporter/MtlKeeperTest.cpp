@@ -56,10 +56,8 @@ TEST_F(MaterialTest, StandardMaterialTakesItsDescription) {
               "hull_d n dn");
     // Plain textures each get a channel position of their own, even on the same scene channel.
     EXPECT_EQ(channels(m), (std::vector<std::uint32_t>{2, 2, 3}));
-    EXPECT_EQ(m->textureChannels[0], 0u);
-    EXPECT_EQ(m->textureChannels[1], 1u);
-    EXPECT_EQ(m->textureChannels[10], 2u);
-    EXPECT_EQ(m->textureChannels[2], kNone);
+    EXPECT_EQ(m->textureChannels, (std::array<std::uint32_t, 13>{0, 1, kNone, kNone, kNone, kNone, kNone,
+                                                                 kNone, kNone, kNone, 2, kNone, kNone}));
     EXPECT_EQ(
         formatText(m->vertexFormat),
         "POSITION0:4 TANGENT0:3 BINORMAL0:3 TEXCOORD0:2 TEXCOORD1:2 TEXCOORD2:2 TANGENT1:3 BINORMAL1:3");
