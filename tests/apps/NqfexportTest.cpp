@@ -1,5 +1,6 @@
 // nqfexport as users run it: scene documents in, .nqf files out, read back with the reader.
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <array>
@@ -305,28 +306,24 @@ TEST_F(Nqfexport, MeshFaultsAreReportedAndKeepTheFileAway) {
 TEST_F(Nqfexport, HelpersOverBoxesFoldDownToOneRenderNodePerMaterial) {
     std::string nodes;
     for (int chain = 0; chain < 50; ++chain) {
-        std::string node = "{\"name\": \"box" + std::to_string(chain) +
-                           "\", \"material\": " + std::to_string(chain % 3) +
-                           ", \"localTM\": [[1, 0, 0], [0, 1, 0], [0, 0, 1], [" + std::to_string(chain * 3) +
-                           ", 0, 0]], \"object\": {\"mesh\": {\"box\": {}}}}";
+        std::string node = fmt::format(
+            R"({{"name": "box{}", "material": {}, "localTM": [[1, 0, 0], [0, 1, 0], [0, 0, 1], [{}, 0, 0]],
+                "object": {{"mesh": {{"box": {{}}}}}}}})",
+            chain, chain % 3, chain * 3);
         for (int level = 3; level >= 0; --level) {
-            node = "{\"name\": \"helper" + std::to_string(chain * 4 + level) +
-                   "\", \"localTM\": [[1, 0, 0], [0, 1, 0], [0, 0, 1], [0, " + std::to_string(level) +
-                   ", 0]], \"userProps\": \"NO_CONNECTOR = 1;\", \"object\": {\"class\": [\"0x876234\", "
-                   "\"0x0\"]}, "
-                   "\"children\": [" +
-                   node + "]}";
+            node =
+                fmt::format(R"({{"name": "helper{}", "localTM": [[1, 0, 0], [0, 1, 0], [0, 0, 1], [0, {}, 0]],
+                "userProps": "NO_CONNECTOR = 1;", "object": {{"class": ["0x876234", "0x0"]}}, "children": [{}]}})",
+                            chain * 4 + level, level, node);
         }
         nodes += (chain ? "," : "") + node;
     }
-    std::string materials;
-    for (const char* name : {"Red", "Green", "Blue"}) {
-        materials += std::string(materials.empty() ? "" : ",") + "{\"name\": \"" + name +
-                     "\", \"attributes\": [{\"class\": [\"0x7CB6596\", \"0x7E112E78\"], \"materialName\": "
-                     "\"solid\"}]}";
-    }
-    std::ofstream(dir / "yard.json") << "{\"filePath\": \"/scenes/yard.max\", \"materials\": [" << materials
-                                     << "], \"nodes\": [" << nodes << "]}";
+    const std::string material =
+        R"({{"name": "{}", "attributes": [{{"class": ["0x7CB6596", "0x7E112E78"], "materialName": "solid"}}]}})";
+    std::ofstream(dir / "yard.json") << fmt::format(
+        R"({{"filePath": "/scenes/yard.max", "materials": [{},{},{}], "nodes": [{}]}})",
+        fmt::format(fmt::runtime(material), "Red"), fmt::format(fmt::runtime(material), "Green"),
+        fmt::format(fmt::runtime(material), "Blue"), nodes);
 
     out = dir / "yard.nqf";
     const Outcome r = run((dir / "yard.json").string() + " -o " + out.string());
