@@ -11,7 +11,7 @@ RenderNodePassStats runRenderNodePasses(RootNode& root) {
     RenderNodePassStats stats;
     stats.channelsRemoved = prepareVertices(root);
     stats.weldedVertices = weldRenderNodes(root, kWeldTolerance);
-    stats.extreme = extremeOptimize(root, kWeldTolerance);
+    stats.extreme = extremeOptimize(root, kWeldTolerance, RenderMeshes::Welded);
     stats.shellsMade = convertMaterialNodesToShells(root);
     stats.merge = mergeRenderNodes(root);
     stats.remap = remapOptimize(root);

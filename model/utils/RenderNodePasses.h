@@ -24,9 +24,9 @@ struct RenderNodePassStats {
 };
 
 // On the root, in this order: prepareVertices; weldRenderNodes with kWeldTolerance;
-// extremeOptimize with kWeldTolerance; convertMaterialNodesToShells; mergeRenderNodes;
-// remapOptimize. Failures are nq::ExtException and leave the model half processed; the exporter
-// writes no file then.
+// extremeOptimize with kWeldTolerance (the render meshes welded); convertMaterialNodesToShells;
+// mergeRenderNodes; remapOptimize. Failures are nq::ExtException and leave the model half processed; the
+// exporter writes no file then.
 RenderNodePassStats runRenderNodePasses(RootNode& root);
 
 }  // namespace model::utils

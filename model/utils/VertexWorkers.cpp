@@ -80,9 +80,11 @@ void runWorker(WorkerNode& worker) {
     }
 }
 
-RemovedCounts extremeOptimize(RootNode& root, float tolerance) {
+RemovedCounts extremeOptimize(RootNode& root, float tolerance, RenderMeshes meshes) {
     ExtremeWorkerRenderNode render(root, tolerance);
-    runWorker(render);
+    if (meshes == RenderMeshes::Unwelded) {
+        runWorker(render);
+    }
     removeEmptyRenderNodes(root);
     ExtremeWorkerShellNode shell(root, tolerance);
     runWorker(shell);

@@ -80,9 +80,14 @@ using RemapWorkerShellNode = RemapWorker<WorkerShellNode>;
 // processNode(i) for every i below nodeCount(), in order.
 void runWorker(WorkerNode& worker);
 
+// Whether the meshes of the render nodes have just been welded with the same tolerance.
+enum class RenderMeshes { Unwelded, Welded };
+
 // ExtremeWorkerRenderNode, removeEmptyRenderNodes, ExtremeWorkerShellNode, removeEmptyShellNodes;
-// the counts of both workers summed.
-RemovedCounts extremeOptimize(RootNode& root, float tolerance);
+// the counts of both workers summed. With RenderMeshes::Welded the render worker is left out: a
+// welded mesh uses every vertex and no two of its vertices match (each survivor took every later
+// vertex that matched it), so a second weld would remove nothing and change nothing.
+RemovedCounts extremeOptimize(RootNode& root, float tolerance, RenderMeshes render = RenderMeshes::Unwelded);
 // RemapWorkerRenderNode, then RemapWorkerShellNode; the counts of both summed.
 RemovedCounts remapOptimize(RootNode& root);
 // The welding of the render nodes alone; returns the number of vertices it removed.
