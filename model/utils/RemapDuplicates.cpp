@@ -1,7 +1,6 @@
 #include "model/utils/RemapDuplicates.h"
 
 #include <algorithm>
-#include <cstring>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -66,17 +65,6 @@ std::uint32_t remapDuplicateVertices(Vertices& vertices, Indices& indices, std::
     if (unique >= count) {
         return 0;
     }
-    std::vector<float> newData(unique * stride);
-    if (library) {
-        meshopt_remapVertexBuffer(newData.data(), data.data(), count, vertexSize, remap.data());
-    } else {
-        for (std::size_t v = 0; v < count; ++v) {
-            if (remap[v] != kUnused) {
-                std::memcpy(newData.data() + std::size_t{remap[v]} * stride, data.data() + v * stride,
-                            vertexSize);
-            }
-        }
-    }
     std::vector<std::uint32_t> newIndices(old.size());
     if (library) {
         meshopt_remapIndexBuffer(newIndices.data(), old.data(), old.size(), remap.data());
@@ -85,7 +73,23 @@ std::uint32_t remapDuplicateVertices(Vertices& vertices, Indices& indices, std::
             newIndices[i] = remap[old[i]];
         }
     }
-    vertices.assignInterleaved(newData, unique);
+    // Each attribute is remapped on its own, from its own floats: a vertex's floats in one
+    // attribute are part of its bytes, so vertices that share a number are equal there too.
+    for (auto& [semantic, attr] : vertices.attributes) {
+        if (attr.size <= 0) {
+            attr.data.clear();
+            continue;
+        }
+        const auto size = static_cast<std::size_t>(attr.size);
+        std::vector<float> remapped(unique * size);
+        for (std::size_t v = 0; v < count; ++v) {
+            if (remap[v] != kUnused) {
+                std::copy_n(attr.data.data() + v * size, size,
+                            remapped.data() + std::size_t{remap[v]} * size);
+            }
+        }
+        attr.data = std::move(remapped);
+    }
     indices.indices = std::move(newIndices);
     return static_cast<std::uint32_t>(count - unique);
 }
