@@ -1,5 +1,6 @@
 #include "model/utils/MergeGroups.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <string>
@@ -168,9 +169,12 @@ Ptr<BaseRenderNode> mergeMeshes(std::span<const Ptr<BaseRenderNode>> members) {
             }
             appendDigits(out->entries[parent], m, vertices, digitStart);
         }
-        for (std::uint32_t index : m.indices.indices) {
-            indices.indices.push_back(index + base);
-        }
+        std::vector<std::uint32_t>& joined = indices.indices;
+        const std::size_t at = joined.size();
+        joined.resize(at + m.indices.indices.size());
+        std::transform(m.indices.indices.begin(), m.indices.indices.end(),
+                       joined.begin() + static_cast<std::ptrdiff_t>(at),
+                       [base](std::uint32_t index) { return index + base; });
     }
     out->setMesh(std::move(parents.links), std::move(indices), std::move(vertices));
     return out;
