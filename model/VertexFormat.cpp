@@ -9,22 +9,8 @@
 
 namespace model {
 
-namespace {
-void checkSemantic(int semantic) {
-    if (semantic < 0 || semantic >= kVertexSemanticCount) {
-        throw std::out_of_range("nq::array: index out of range");
-    }
-}
-}  // namespace
-
-std::uint8_t& VertexFormat::operator[](int semantic) {
-    checkSemantic(semantic);
-    return counts[static_cast<std::size_t>(semantic)];
-}
-
-std::uint8_t VertexFormat::operator[](int semantic) const {
-    checkSemantic(semantic);
-    return counts[static_cast<std::size_t>(semantic)];
+void VertexFormat::failOutOfRange() {
+    throw std::out_of_range("nq::array: index out of range");
 }
 
 unsigned VertexFormat::sum() const {
