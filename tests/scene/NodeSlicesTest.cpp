@@ -30,7 +30,9 @@ TEST(NodeSlices, SplitsAtTheNodesWhereverStringsFall) {
         const std::string tail = R"(, "time": 0})";
         const std::string json =
             head + pad + "[ " + nodes[0] + pad + ",\n" + nodes[1] + "," + pad + nodes[2] + " ]" + tail;
-        auto slices = scene::sliceNodes(simdjson::padded_string(json));
+        // The slices point into the document, which must outlive them.
+        const simdjson::padded_string document(json);
+        auto slices = scene::sliceNodes(document);
         ASSERT_TRUE(slices) << json;
         EXPECT_EQ(itemsOf(*slices), nodes) << json;
         EXPECT_EQ(std::string(slices->skeleton.data(), slices->skeleton.size()), head + pad + "[]" + tail);
