@@ -128,6 +128,7 @@ void extract(benchmark::State& state, GridScene& grids) {
         model::Ptr<model::Node> parent = model::createAs<model::TransformNode>("model::TransformNode");
         const exporter::MeshContext context{0, &material, root.get(), {}};
         for (std::size_t i = 0; i < grids.objects.size(); ++i) {
+            grids.objects[i]->mesh.buildRenderNormals();
             exporter::exportRenderNode(context, grids.scene.root.GetChildNode(static_cast<int>(i)),
                                        grids.objects[i]->mesh, parent, nullptr, 1, 0, settings);
         }

@@ -235,7 +235,6 @@ model::Ptr<model::BaseMeshRenderNode> exportRenderNode(const MeshContext& contex
                                                        const model::Ptr<model::Node>& parent, host::Mtl* mtl,
                                                        int count, int index, const NodeSettings& settings) {
     const std::string name = node->GetName();
-    mesh.buildRenderNormals();
     if (hasSkin(node)) {
         nq::nq_log(kLogSource, kLogLevel,
                    "The skin of node " + name + " is ignored: the node is exported as a plain mesh.");
@@ -354,6 +353,8 @@ void exportRenderNodes(const MeshContext& context, host::INode* node, host::Mesh
     if (!mtl || !context.materials) {
         return;
     }
+    // The render normals depend on the mesh alone: they are built once for all its render nodes.
+    mesh.buildRenderNormals();
     // A fault in one render node drops that node alone; the others of the mesh and the walk go on.
     auto exportOne = [&](host::Mtl* material, int count, int index) {
         try {

@@ -63,16 +63,18 @@ host::Point3 cornerNormal(host::Mesh& mesh, int face, int corner);
 
 // One render node of the faces whose material id modulo count equals index, hung on a transform
 // under parent that carries the object offset, and entered in the root's render list. Nothing
-// when the material converts to none or when no face is taken. Throws nq::ExtException on faults
-// of the mesh or of the settings; then nothing is entered.
+// when the material converts to none or when no face is taken. The mesh's render normals must be
+// built (Mesh::buildRenderNormals). Throws nq::ExtException on faults of the mesh or of the
+// settings; then nothing is entered.
 model::Ptr<model::BaseMeshRenderNode> exportRenderNode(const MeshContext& context, host::INode* node,
                                                        host::Mesh& mesh,
                                                        const model::Ptr<model::Node>& parent, host::Mtl* mtl,
                                                        int count, int index, const NodeSettings& settings);
 
-// The render nodes of a geometry node: none without a material, one for each sub-material that
-// is not null of a multi-material, one of all faces for any other material. A render node that
-// fails is reported ("<fault> Node: <name>.") and left out; the others stand.
+// The render nodes of a geometry node, after building the mesh's render normals once for all of
+// them: none without a material, one for each sub-material that is not null of a multi-material,
+// one of all faces for any other material. A render node that fails is reported ("<fault> Node:
+// <name>.") and left out; the others stand.
 void exportRenderNodes(const MeshContext& context, host::INode* node, host::Mesh& mesh,
                        const model::Ptr<model::Node>& parent, const NodeSettings& settings);
 
