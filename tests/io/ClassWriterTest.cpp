@@ -132,18 +132,17 @@ TEST(ClassWriter10, GroupsInFileOrderAndEmptyOnesLeftOut) {
 }
 
 TEST(ClassWriter10, OneLinkAndTwoLinkRenderRecordsDiffer) {
-    Ptr<RootNode> root = makeRoot();
-    Ptr<Node> second = createNode("second");
-    root->rootNode()->insert(nullptr, second);
-    MaterialPtr m(new PropertiesSet());
-    addRender(*root, "one", {second}, m);
-    auto one = saveToBytes(*root);
-
-    Ptr<RootNode> root2 = makeRoot();
-    Ptr<Node> second2 = createNode("second");
-    root2->rootNode()->insert(nullptr, second2);
-    addRender(*root2, "one", {second2, root2->rootNode()}, MaterialPtr(new PropertiesSet()));
-    auto two = saveToBytes(*root2);
+    auto saveWithLinks = [](bool two) {
+        Ptr<RootNode> root = makeRoot();
+        Ptr<Node> second = createNode("second");
+        root->rootNode()->insert(nullptr, second);
+        addRender(*root, "one",
+                  two ? std::vector<Ptr<Node>>{second, root->rootNode()} : std::vector<Ptr<Node>>{second},
+                  MaterialPtr(new PropertiesSet()));
+        return saveToBytes(*root);
+    };
+    const auto one = saveWithLinks(false);
+    const auto two = saveWithLinks(true);
     // The second link adds its own 12 bytes and the first link 4 more.
     EXPECT_EQ(two.size(), one.size() + 16);
 

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "io/NqfBytes.h"
 #include "model/PropertyCreators.h"
 #include "model/io/MaterialWriter10.h"
 #include "model/io/MemBinaryFileW.h"
@@ -41,33 +42,21 @@ TEST(MaterialWriter, PlainMaterialHasTenEntriesInTheFixedOrder) {
     model::writeMaterial(file, m);
     EXPECT_EQ(file.tell(), file.buffer().size());
 
-    Cursor c{file, 3};
-    EXPECT_EQ(c.u32(), 10u);
-    EXPECT_EQ(c.str(), "BLENDING");
-    EXPECT_EQ(c.u8(), 0);
-    EXPECT_EQ(c.str(), "DEPTH_BIAS");
-    EXPECT_EQ(c.u32(), 1u) << "any non-zero bias is written as 1";
-    EXPECT_EQ(c.str(), "VERTEX_FORMAT");
-    EXPECT_EQ(c.u32(), 27u);
-    c.skip(27);
-    EXPECT_EQ(c.str(), "TEXTURE_COORDINATES_CHANNELS");
-    EXPECT_EQ(c.u32(), 13u);
+    nqftest::NqfBytes expected;
+    expected.body = {'p', 'r', 'e'};
+    // Any non-zero depth bias is written as 1.
+    expected.u32(10).sref("BLENDING").u8(0).sref("DEPTH_BIAS").u32(1).sref("VERTEX_FORMAT").u32(27);
+    expected.body.resize(expected.size() + 27);
+    expected.sref("TEXTURE_COORDINATES_CHANNELS").u32(13);
     for (int i = 0; i < 13; ++i) {
-        EXPECT_EQ(c.u32(), 0xFFFFFFFFu);
+        expected.u32(0xFFFFFFFFu);
     }
-    EXPECT_EQ(c.str(), "MATERIAL_NAME");
-    EXPECT_EQ(c.str(), "def_material");
-    EXPECT_EQ(c.str(), "NAME");
-    EXPECT_EQ(c.str(), "wall");
-    EXPECT_EQ(c.str(), "SHADOWS");
-    EXPECT_EQ(c.u8(), 5) << "flag A is bit 0, flag B is bit 2";
-    EXPECT_EQ(c.str(), "TEXTURES");
-    EXPECT_EQ(c.u32(), 0u);
-    EXPECT_EQ(c.str(), "UNIFORMS");
-    EXPECT_EQ(c.u32(), 0u);
-    EXPECT_EQ(c.str(), "ANIMATED_UNIFORMS");
-    EXPECT_EQ(c.u32(), 0u);
-    EXPECT_EQ(c.at, file.buffer().size());
+    // Shadow flag A is bit 0, flag B is bit 2.
+    expected.sref("MATERIAL_NAME").sref("def_material").sref("NAME").sref("wall").sref("SHADOWS").u8(5);
+    expected.sref("TEXTURES").u32(0).sref("UNIFORMS").u32(0).sref("ANIMATED_UNIFORMS").u32(0);
+    EXPECT_EQ(file.buffer(), expected.body);
+    const auto& table = file.strings().index();
+    EXPECT_EQ(std::vector<std::string>(table.begin(), table.end()), expected.strings);
 }
 
 TEST(MaterialWriter, BillboardComesBeforeDecalAndBothRaiseTheCount) {

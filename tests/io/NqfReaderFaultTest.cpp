@@ -25,6 +25,13 @@ std::string faultOf(const NqfBytes& b) {
     return faultOf(b.file());
 }
 
+// A copy of the bytes with those at `offset` replaced.
+std::vector<std::uint8_t> patched(std::vector<std::uint8_t> bytes, std::size_t offset,
+                                  std::initializer_list<std::uint8_t> with) {
+    std::copy(with.begin(), with.end(), bytes.begin() + static_cast<std::ptrdiff_t>(offset));
+    return bytes;
+}
+
 // Checks the exact fault of a file; "{}" in the message stands for the file offset of `bodyAt`.
 void expectFault(const NqfBytes& b, std::size_t bodyAt, std::string_view message) {
     EXPECT_EQ(faultOf(b), fmt::format(fmt::runtime(message), b.at(bodyAt)));
@@ -39,19 +46,14 @@ TEST(NqfReaderFault, Header) {
     EXPECT_EQ(faultOf(std::vector<std::uint8_t>{}),
               "error at byte 0 in header: expected 3 bytes of magic, found the end of the file");
     std::vector<std::uint8_t> bytes = groupFile({}).file();
-    auto bad = bytes;
-    bad[2] = 'X';
-    EXPECT_EQ(faultOf(bad),
+    EXPECT_EQ(faultOf(patched(bytes, 2, {'X'})),
               "error at byte 0 in header: expected the magic \"NQF\", found the bytes 4E 51 58");
-    bad = bytes;
-    bad[3] = 11;
-    EXPECT_EQ(faultOf(bad), "error at byte 3 in header: expected format version 10, found 11");
-    bad = bytes;
-    bad[5] = 0xFF;
-    bad[6] = 0xFF;
-    EXPECT_EQ(faultOf(bad), fmt::format("error at byte 5 in string table: expected a string table size whose "
-                                        "entries fit in the {} bytes left (at least 1 bytes each), found {}",
-                                        bytes.size() - 9, (bytes[7] << 16) + 0xFFFF));
+    EXPECT_EQ(faultOf(patched(bytes, 3, {11})),
+              "error at byte 3 in header: expected format version 10, found 11");
+    EXPECT_EQ(faultOf(patched(bytes, 5, {0xFF, 0xFF})),
+              fmt::format("error at byte 5 in string table: expected a string table size whose entries fit "
+                          "in the {} bytes left (at least 1 bytes each), found {}",
+                          bytes.size() - 9, (bytes[7] << 16) + 0xFFFF));
 
     NqfBytes b = groupFile({});
     b.body[3] = 1;  // the reserved word after the table
@@ -70,19 +72,17 @@ TEST(NqfReaderFault, StringTable) {
     const NqfBytes valid = groupFile({});
     const std::size_t table = valid.tableSize();
     std::vector<std::uint8_t> bytes = valid.file();
-    auto bad = bytes;
-    bad[9 + table - 1] = 'x';
-    EXPECT_EQ(faultOf(bad), fmt::format("error at byte {} in string table: expected a NUL byte at the end of "
-                                        "the string table, found 0x78",
-                                        9 + table - 1));
-    bad = bytes;
-    bad[9 + 15] = 'A';  // "model::RootNode" runs into the next string
-    EXPECT_EQ(faultOf(bad), fmt::format("error at byte {} in root: expected the class name of the root "
-                                        "record, found \"model::RootNodeAmodel::Property<unsigned int>\"",
-                                        valid.at(8)));
-    bad = bytes;
-    bad[9 + 1] = 0xC0;  // an overlong form
-    EXPECT_EQ(faultOf(bad),
+    EXPECT_EQ(faultOf(patched(bytes, 9 + table - 1, {'x'})),
+              fmt::format("error at byte {} in string table: expected a NUL byte at the end of the string "
+                          "table, found 0x78",
+                          9 + table - 1));
+    // "model::RootNode" runs into the next string.
+    EXPECT_EQ(faultOf(patched(bytes, 9 + 15, {'A'})),
+              fmt::format("error at byte {} in root: expected the class name of the root record, found "
+                          "\"model::RootNodeAmodel::Property<unsigned int>\"",
+                          valid.at(8)));
+    // An overlong form.
+    EXPECT_EQ(faultOf(patched(bytes, 9 + 1, {0xC0})),
               "error at byte 10 in string table: expected UTF-8 text in a string, found the byte 0xC0");
 
     NqfBytes dup = groupFile({});

@@ -86,16 +86,6 @@ TEST(VertexAttribute, ResizeShrinksPerVertexAndGrowsWithTheOffByOnePadding) {
     EXPECT_EQ(b.size, 0);
 }
 
-TEST(Vertices, EmptyMapHasNoVerticesAndSavesTwoZeroWords) {
-    Vertices v;
-    EXPECT_EQ(v.vertexCount(), 0u);
-    EXPECT_EQ(v.stride(), 0u);
-    EXPECT_TRUE(v.isValid());
-    ByteSink sink;
-    v.save(sink);
-    EXPECT_EQ(sink.bytes, Expect().u32(0).u32(0).body);
-}
-
 TEST(Vertices, BuildsFromFormatAndInterleavesInSemanticOrder) {
     VertexFormat f = posNormal(3, 0);
     f[TEXCOORD0] = 2;
