@@ -48,9 +48,9 @@ void AnimatedProperty<T>::load(io::IBinaryFileR& file) {
 
 template <class T>
 void AnimatedProperty<T>::save(io::IBinaryFileW& file) const {
-    saveHead(file);
-    file.writeU32(argument);
-    file.writeU32(static_cast<std::uint32_t>(keys.size()));
+    // The argument and the key count go with the head in one call.
+    const std::uint32_t argumentAndCount[2] = {argument, static_cast<std::uint32_t>(keys.size())};
+    file.writeNamedValue(className(), name, argumentAndCount, sizeof argumentAndCount);
     for (const Key& key : keys) {
         file.writeF64(key.time);
         writeValue(file, key.value);

@@ -22,8 +22,7 @@ void ArgumentProperty::load(io::IBinaryFileR& file) {
 }
 
 void ArgumentProperty::save(io::IBinaryFileW& file) const {
-    saveHead(file);
-    file.writeU32(argument);
+    file.writeNamedValue(className(), name, &argument, sizeof argument);
 }
 
 bool ArgumentProperty::equals(const IProperty& other) const {

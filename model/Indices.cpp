@@ -68,7 +68,7 @@ void Indices::write(io::IBinaryFileW& file) const {
             }
             break;
         case kIndexWidth32:
-            file.write(indices.data(), indices.size() * sizeof(std::uint32_t));
+            file.writeLasting(indices.data(), indices.size() * sizeof(std::uint32_t));
             break;
     }
 }

@@ -1,7 +1,10 @@
 #include "model/Property.h"
 
+#include <type_traits>
+
 #include "model/IPropertyVisitor.h"
 #include "model/PropertyValue.h"
+#include "model/io/IBinaryFileW.h"
 
 namespace model {
 
@@ -23,8 +26,15 @@ void Property<T>::load(io::IBinaryFileR& file) {
 
 template <class T>
 void Property<T>::save(io::IBinaryFileW& file) const {
-    saveHead(file);
-    writeValue(file, value);
+    if constexpr (std::is_same_v<T, std::string>) {
+        saveHead(file);
+        writeValue(file, value);
+    } else {
+        // A number or a vector of floats stands in the file as it stands in memory: the whole
+        // record goes to the sink in one call.
+        static_assert(std::is_trivially_copyable_v<T> && sizeof(T) % 4 == 0);
+        file.writeNamedValue(className(), name, &value, sizeof value);
+    }
 }
 
 template <class T>

@@ -232,8 +232,9 @@ void Vertices::save(io::IBinaryFileW& file) const {
     file.writeU32(static_cast<std::uint32_t>(count));
     file.writeU32(count == 0 ? 0u : static_cast<std::uint32_t>(step));
     if (used.size() == 1) {
-        // One attribute is already interleaved: its floats go to the file as they stand.
-        file.write(used.front()->data.data(), count * step * sizeof(float));
+        // One attribute is already interleaved: its floats go to the file as they stand, and a sink
+        // may point at them rather than copy them.
+        file.writeLasting(used.front()->data.data(), count * step * sizeof(float));
         return;
     }
     // Several attributes are interleaved through a small buffer that stays in the cache, so that

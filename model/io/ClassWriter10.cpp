@@ -8,6 +8,7 @@
 #include "model/Node.h"
 #include "model/RootNode.h"
 #include "model/io/FileSizeEstimate.h"
+#include "model/io/HugePages.h"
 #include "model/io/TreeNodeIndex.h"
 
 namespace model {
@@ -159,27 +160,28 @@ void ClassWriter10::writeRecords(RootNode& root) {
     writeGroup(file_, writer, "RENDER_NODES", root.renderNodes(), noteArgument);
 
     file_.resolveStrings();
-    putU32(file_.buffer().data() + handleCountAt, anyArgument ? highest + 1 : 0);
+    file_.patchU32(handleCountAt, anyArgument ? highest + 1 : 0);
 }
 
 void ClassWriter10::save(RootNode& root, std::vector<unsigned char>& out) {
-    writeRecords(root);
-    // The string table belongs at offset 5, with its size in front, and everything written from
-    // there on moves back to make room. The buffer was reserved with room to spare, so this moves
-    // the bytes within it; the buffer then becomes the output.
-    std::vector<unsigned char>& buffer = file_.buffer();
-    const StringPool& strings = file_.strings();
-    const auto tableSize = static_cast<std::uint32_t>(strings.tableSize());
-    buffer.insert(buffer.begin() + 5, 4 + std::size_t{tableSize}, 0);
-    putU32(buffer.data() + 5, tableSize);
-    strings.flattenInto(buffer.data() + 9);
-    out = std::move(buffer);
-    buffer.clear();
+    const FilePieces file = savePieces(root);
+    std::size_t total = 0;
+    for (std::span<const unsigned char> piece : file.pieces) {
+        total += piece.size();
+    }
+    out.clear();
+    out.reserve(total);
+    adviseHugePages(out.data(), out.capacity());
+    for (std::span<const unsigned char> piece : file.pieces) {
+        out.insert(out.end(), piece.begin(), piece.end());
+    }
 }
 
 FilePieces ClassWriter10::savePieces(RootNode& root) {
     writeRecords(root);
-    const std::vector<unsigned char>& buffer = file_.buffer();
+    // The string table belongs at offset 5, with its size in front: the head is made apart, and
+    // everything written from there on follows it as it stands.
+    const std::span<const unsigned char> buffer = file_.buffer();
     const StringPool& strings = file_.strings();
     const auto tableSize = static_cast<std::uint32_t>(strings.tableSize());
     FilePieces file;
@@ -187,7 +189,8 @@ FilePieces ClassWriter10::savePieces(RootNode& root) {
     std::copy(buffer.begin(), buffer.begin() + 5, file.owned.begin());
     putU32(file.owned.data() + 5, tableSize);
     strings.flattenInto(file.owned.data() + 9);
-    file.pieces = {file.owned, std::span(buffer).subspan(5)};
+    file.pieces = file_.pieces(5);
+    file.pieces.insert(file.pieces.begin(), file.owned);
     return file;
 }
 

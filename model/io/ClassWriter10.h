@@ -15,8 +15,9 @@ namespace model {
 
 class RootNode;
 
-// A file as pieces of bytes to be written one after the other. A piece points either into
-// `owned` or into the writer that made it, and stays valid while both live.
+// A file as pieces of bytes to be written one after the other. A piece points into `owned`, into
+// the writer that made it, or into a large array of the model (a mesh's vertex or index block), and
+// stays valid while all three live and the model is not changed.
 struct FilePieces {
     std::vector<unsigned char> owned;
     std::vector<std::span<const unsigned char>> pieces;
@@ -38,8 +39,9 @@ public:
     ClassWriter10() : nodeWriter_(file_, nodeIndices_) {}
     void save(RootNode& root, std::vector<unsigned char>& out) override;
     std::uint16_t version() const override { return 10; }
-    // Two pieces: the head with the string table, then everything behind it as it stands in the
-    // writer's buffer, which is never moved to make room for the table.
+    // The head with the string table, then everything behind it as it stands in the writer's
+    // buffer, which is never moved to make room for the table, with the model's large mesh blocks
+    // as pieces of their own between its stretches.
     FilePieces savePieces(RootNode& root) override;
 
     void saveTransformNodes(const Ptr<Node>& tree);

@@ -21,7 +21,7 @@ constexpr double kCellWidth = 4e-5;
 class ByteString final : public io::IBinaryFileW {
 public:
     bool isOpen() const override { return true; }
-    std::size_t write(const void* data, std::size_t size) override {
+    std::size_t put(const void* data, std::size_t size) override {
         bytes.append(static_cast<const char*>(data), size);
         return size;
     }

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <string>
 #include <vector>
@@ -63,7 +64,7 @@ std::vector<unsigned char> saveStepByStep(RootNode& root) {
     const std::vector<char> table = file.strings().flatten();
     file.writeU32(static_cast<std::uint32_t>(table.size()));
     file.write(table.data(), table.size());
-    return file.buffer();
+    return {file.buffer().begin(), file.buffer().end()};
 }
 
 std::vector<unsigned char> save(RootNode& root) {
@@ -151,6 +152,44 @@ TEST(ClassWriterReference, OnePassAssemblyGivesTheBytesOfTheStepByStepProcedure)
     for (int round = 0; round < 20; ++round) {
         Ptr<RootNode> root = strainingModel(rng);
         ASSERT_EQ(save(*root), saveStepByStep(*root)) << "round " << round;
+    }
+}
+
+// Meshes of one attribute and 32-bit index lists large enough to be written as pieces of their own,
+// pointing at the model's arrays, among records copied into the writer's buffer.
+TEST(ClassWriterReference, LargeMeshBlocksArePiecesOfTheirOwnAndTheBytesStay) {
+    std::mt19937 rng(23);
+    Ptr<RootNode> root = strainingModel(rng);
+    std::vector<const void*> blocks;
+    for (int r = 0; r < 3; ++r) {
+        auto render = createNodeAs<RenderNode>("model::RenderNode");
+        render->name = "large" + std::to_string(r);
+        render->links.push_back(RenderLink{root->rootNode(), 0xFFFFFFFFu});
+        render->material = root->renderNodes().front()->material;
+        std::vector<float> positions(3 * (6000 + 1000 * static_cast<std::size_t>(r)));
+        for (std::size_t i = 0; i < positions.size(); ++i) {
+            positions[i] = float(i % 977);
+        }
+        render->vertices.setAttribute(POSITION0, 3, std::move(positions));
+        render->indices.primitive = kTriangleList;
+        for (std::uint32_t i = 0; i < 30000; ++i) {
+            render->indices.indices.push_back(i % 6000 + (r == 1 ? 70000 : 0));
+        }
+        blocks.push_back(render->vertices.attribute(POSITION0).data.data());
+        if (r == 1) {
+            blocks.push_back(render->indices.indices.data());
+        }
+        root->addRenderNode(render);
+    }
+    const std::vector<unsigned char> bytes = save(*root);
+    ASSERT_EQ(bytes, saveStepByStep(*root));
+
+    std::unique_ptr<IClassWriter> writer = createClassWriter(10);
+    const FilePieces file = writer->savePieces(*root);
+    for (const void* block : blocks) {
+        EXPECT_EQ(std::count_if(file.pieces.begin(), file.pieces.end(),
+                                [&](std::span<const unsigned char> piece) { return piece.data() == block; }),
+                  1);
     }
 }
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <stdexcept>
 
 #include "io/NqfBytes.h"
 #include "model/PropertyCreators.h"
@@ -20,12 +21,20 @@ struct Cursor {
     std::uint32_t u32() {
         std::uint32_t v = 0;
         for (int i = 0; i < 4; ++i) {
-            v |= std::uint32_t(file.buffer().at(at + i)) << (8 * i);
+            v |= std::uint32_t(byte(at + i)) << (8 * i);
         }
         at += 4;
         return v;
     }
-    std::uint8_t u8() { return file.buffer().at(at++); }
+    std::uint8_t u8() { return byte(at++); }
+    // A read past the written bytes throws, so the test fails instead of reading stray memory.
+    std::uint8_t byte(std::size_t i) const {
+        const auto bytes = file.buffer();
+        if (i >= bytes.size()) {
+            throw std::out_of_range("read past the written bytes");
+        }
+        return bytes[i];
+    }
     std::string str() { return file.strings().index().at(u32()); }
     void skip(std::size_t n) { at += n; }
 };

@@ -16,7 +16,7 @@ using Bytes = std::vector<std::uint8_t>;
 class ByteSink : public io::IBinaryFileW {
 public:
     bool isOpen() const override { return true; }
-    std::size_t write(const void* data, std::size_t size) override {
+    std::size_t put(const void* data, std::size_t size) override {
         const auto* p = static_cast<const std::uint8_t*>(data);
         bytes.insert(bytes.end(), p, p + size);
         return size;
