@@ -244,10 +244,12 @@ void MemBinaryFileW::writeNamedValue(std::string_view className, std::string_vie
 }
 
 void MemBinaryFileW::resolveStrings() {
-    std::size_t ahead = 0;
+    // The look-ahead prefetch is issued inside the loop that does the lookups: a loop of prefetches
+    // alone has no effect the compiler must keep, and it deletes it. The first few lookups of a
+    // batch wait for memory.
     for (std::size_t i = 0; i < pending_.size(); ++i) {
-        for (; ahead < pending_.size() && ahead < i + kFetchAhead; ++ahead) {
-            strings_.prefetch(pending_[ahead].hash);
+        if (i + kFetchAhead < pending_.size()) {
+            strings_.prefetch(pending_[i + kFetchAhead].hash);
         }
         const PendingString& p = pending_[i];
         const std::uint32_t ordinal =

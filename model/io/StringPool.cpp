@@ -24,7 +24,7 @@ std::size_t StringPool::find(std::string_view text, std::uint64_t hash) const {
 
 void StringPool::reserve(std::size_t count) {
     index_.reserve(count);
-    int bits = slotBits_ == 0 ? 10 : slotBits_;
+    int bits = slotBits_;
     while ((std::size_t{1} << bits) < 2 * count) {
         ++bits;
     }
@@ -34,7 +34,7 @@ void StringPool::reserve(std::size_t count) {
 }
 
 void StringPool::rebuild(int slotBits) {
-    std::vector<Slot> old = std::move(slots_);
+    auto old = std::move(slots_);
     slotBits_ = slotBits;
     slots_.assign(std::size_t{1} << slotBits_, Slot{});
     const std::size_t mask = slots_.size() - 1;
@@ -51,7 +51,7 @@ void StringPool::rebuild(int slotBits) {
 
 std::uint32_t StringPool::internOrdinal(std::string_view text, std::uint64_t hash) {
     if (2 * (index_.size() + 1) > slots_.size()) {
-        rebuild(slots_.empty() ? 10 : slotBits_ + 1);
+        rebuild(slotBits_ + 1);
     }
     Slot& slot = slots_[find(text, hash)];
     if (slot.ordinal != kEmpty) {
@@ -83,9 +83,6 @@ std::uint32_t StringPool::internOrdinal(std::string_view text, std::uint64_t has
 }
 
 std::uint32_t StringPool::ordinal(std::string_view text) const {
-    if (slots_.empty()) {
-        return kEmpty;
-    }
     return slots_[find(text, hashOf(text))].ordinal;
 }
 

@@ -11,6 +11,8 @@
 #include <string_view>
 #include <vector>
 
+#include "model/io/HugePages.h"
+
 namespace model {
 
 struct StringPage {
@@ -21,7 +23,7 @@ struct StringPage {
 
 class StringPool {
 public:
-    explicit StringPool(std::uint64_t pageSize = 4096) : pageSize_(pageSize) {}
+    explicit StringPool(std::uint64_t pageSize = 4096) : pageSize_(pageSize) { rebuild(10); }
     StringPool(const StringPool&) = delete;
     StringPool& operator=(const StringPool&) = delete;
 
@@ -35,11 +37,9 @@ public:
     static std::uint64_t hashOf(std::string_view text);
     // Starts loading the index slot of a text with this hash into the cache, so that a lookup
     // a little later need not wait for memory.
-    void prefetch(std::uint64_t hash) const {
-        if (!slots_.empty()) {
-            __builtin_prefetch(&slots_[home(hash)]);
-        }
-    }
+    // The index always has slots, so the address needs no test: behind a test the compiler was
+    // seen to drop the prefetch altogether.
+    void prefetch(std::uint64_t hash) const { __builtin_prefetch(slots_.data() + home(hash)); }
     // Ordinal of an interned text in order of first use, or 0xFFFFFFFF if it was never interned.
     std::uint32_t ordinal(std::string_view text) const;
 
@@ -83,7 +83,7 @@ private:
     std::uint64_t tableSize_ = 0;
     // A power of two in size, at most half full. Page buffers never move once made, so the
     // stored texts the slots stand for stay where they are.
-    std::vector<Slot> slots_;
+    std::vector<Slot, LargeBlockAllocator<Slot>> slots_;
     int slotBits_ = 0;
 };
 

@@ -63,7 +63,7 @@ TEST(MaterialWriter, PlainMaterialHasTenEntriesInTheFixedOrder) {
     // Shadow flag A is bit 0, flag B is bit 2.
     expected.sref("MATERIAL_NAME").sref("def_material").sref("NAME").sref("wall").sref("SHADOWS").u8(5);
     expected.sref("TEXTURES").u32(0).sref("UNIFORMS").u32(0).sref("ANIMATED_UNIFORMS").u32(0);
-    EXPECT_EQ(file.buffer(), expected.body);
+    EXPECT_EQ(std::vector<unsigned char>(file.buffer().begin(), file.buffer().end()), expected.body);
     const auto& table = file.strings().index();
     EXPECT_EQ(std::vector<std::string>(table.begin(), table.end()), expected.strings);
 }
