@@ -58,26 +58,6 @@ void NodeWriter10::writeName(const std::string& name) {
 
 void NodeWriter10::writeNameAndProperties(const std::string& name, const PropertyList& properties) {
     // The name, the reserved word and the property count follow each other in every node record.
-    // A short name goes out with them in one write: these come once per node, and the number of
-    // calls into the byte sink is a good part of the time of saving a large tree.
-    constexpr std::size_t kShortName = 112;
-    if (name.size() <= kShortName) {
-        unsigned char head[kShortName + 12];
-        auto put = [&head](std::size_t at, std::uint32_t v) {
-            for (std::size_t i = 0; i < 4; ++i) {
-                head[at + i] = static_cast<unsigned char>(v >> (8 * i));
-            }
-        };
-        put(0, static_cast<std::uint32_t>(name.size()));
-        std::memcpy(head + 4, name.data(), name.size());
-        put(4 + name.size(), 0);
-        put(8 + name.size(), static_cast<std::uint32_t>(properties.size()));
-        file_.write(head, name.size() + 12);
-        for (const Ptr<IProperty>& property : properties) {
-            property->save(file_);
-        }
-        return;
-    }
     writeName(name);
     file_.writeU32(0);
     writePropertyList(file_, properties);
