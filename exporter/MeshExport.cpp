@@ -12,6 +12,7 @@
 #include "model/ObjectRegistry.h"
 #include "model/RenderNode.h"
 #include "model/TransformNode.h"
+#include "model/VertexSemantic.h"
 
 namespace exporter {
 namespace {
@@ -19,7 +20,6 @@ namespace {
 constexpr const char* kSourcePath = "Exporter\\src\\MeshCreator";
 // Faults of a render node are reported where the node is exported.
 constexpr const char* kExportSourcePath = "Exporter\\src\\Export";
-constexpr std::uint32_t kNoChannel = 0xFFFFFFFFu;
 // The coordinate entries of the normal map and of the damage normal map in a material.
 constexpr std::size_t kNormalMapCoords = 1;
 constexpr std::size_t kDamageNormalMapCoords = 10;
@@ -52,7 +52,7 @@ const nq::Matrixf* textureTransform(const model::PropertiesSet& material, std::s
 // The texture-coordinate semantic of a material's coordinate entry, or -1 when it has none.
 int texCoordSemantic(const model::PropertiesSet& material, std::size_t entry) {
     const std::uint32_t position = material.textureChannels[entry];
-    return position == kNoChannel || position >= static_cast<std::uint32_t>(kTexCoordArrays)
+    return position == model::kNoTexCoordChannel || position >= static_cast<std::uint32_t>(kTexCoordArrays)
                ? -1
                : kFirstTexCoord + static_cast<int>(position);
 }

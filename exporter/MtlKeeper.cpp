@@ -14,8 +14,6 @@
 namespace exporter {
 namespace {
 
-constexpr std::uint32_t kNoChannel = 0xFFFFFFFFu;
-
 bool isIdentity(const nq::Matrixf& m) {
     nq::Matrixf identity;
     for (int i = 0; i < 16; ++i) {
@@ -129,12 +127,12 @@ PropertiesSetPtr MtlKeeper::buildStandardMaterial(host::Mtl* mtl, int kind, cons
         return defaultMaterial;
     }
     if (material->textureChannels[static_cast<std::size_t>(texCoordIndexBySlot.at("NormalMap"))] !=
-        kNoChannel) {
+        model::kNoTexCoordChannel) {
         material->vertexFormat[model::TANGENT0] = 3;
         material->vertexFormat[model::BINORMAL0] = 3;
     }
     if (material->textureChannels[static_cast<std::size_t>(texCoordIndexBySlot.at("DamageNormalMap"))] !=
-        kNoChannel) {
+        model::kNoTexCoordChannel) {
         material->vertexFormat[model::TANGENT1] = 3;
         material->vertexFormat[model::BINORMAL1] = 3;
     }

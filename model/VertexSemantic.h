@@ -39,6 +39,11 @@ enum VertexSemantic : std::int32_t {
 
 inline constexpr int kVertexSemanticCount = 27;
 
+// The texture-coordinate channels a vertex can hold, TEXCOORD0 to TEXCOORD15.
+inline constexpr int kTexCoordChannels = TEXCOORD15 - TEXCOORD0 + 1;
+// The entry of a material's texture channel table that names no channel.
+inline constexpr std::uint32_t kNoTexCoordChannel = 0xFFFFFFFFu;
+
 // The semantic of texture-coordinate channel n.
 constexpr VertexSemantic texCoordSemantic(int channel) {
     return static_cast<VertexSemantic>(TEXCOORD0 + channel);

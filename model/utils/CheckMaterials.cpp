@@ -9,17 +9,10 @@
 
 namespace model::utils {
 
-namespace {
-
-constexpr std::uint32_t kNoChannel = 0xFFFFFFFFu;
-constexpr std::uint32_t kTexCoordChannels = 16;
-
-}  // namespace
-
 std::string_view materialLayoutFault(const PropertiesSet& material) {
     for (std::uint32_t channel : material.textureChannels) {
-        if (channel != kNoChannel &&
-            (channel >= kTexCoordChannels ||
+        if (channel != kNoTexCoordChannel &&
+            (channel >= static_cast<std::uint32_t>(kTexCoordChannels) ||
              material.vertexFormat[texCoordSemantic(static_cast<int>(channel))] == 0)) {
             return kBrokenTextureChannels;
         }

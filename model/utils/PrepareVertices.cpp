@@ -17,9 +17,6 @@ namespace model::utils {
 
 namespace {
 
-constexpr int kTexCoordChannels = 16;
-constexpr std::uint32_t kNoChannel = 0xFFFFFFFFu;
-
 [[noreturn]] void fail(std::string_view message) {
     throw nq::ExtException(std::string(message));
 }
@@ -28,7 +25,7 @@ constexpr std::uint32_t kNoChannel = 0xFFFFFFFFu;
 std::array<bool, kTexCoordChannels> namedChannels(const PropertiesSet& m) {
     std::array<bool, kTexCoordChannels> named{};
     for (std::uint32_t channel : m.textureChannels) {
-        if (channel != kNoChannel) {
+        if (channel != kNoTexCoordChannel) {
             named[channel] = true;
         }
     }
@@ -148,7 +145,7 @@ std::uint32_t compact(PropertiesSet& m, const std::vector<BaseMeshRenderNode*>& 
         newNumber[kept[i]] = static_cast<std::uint32_t>(i);
     }
     for (std::uint32_t& channel : m.textureChannels) {
-        if (channel != kNoChannel) {
+        if (channel != kNoTexCoordChannel) {
             channel = newNumber[keptAs[channel]];
         }
     }

@@ -5,6 +5,7 @@
 #include "ByteSink.h"
 #include "core/ExtException.h"
 #include "model/IPropertyVisitor.h"
+#include "model/ObjectRegistry.h"
 #include "model/PropertyCreators.h"
 #include "model/io/IBinaryFileR.h"
 
@@ -45,6 +46,15 @@ TEST(Property, EveryClassIsRegisteredUnderItsFileNameWithItsDefaults) {
             EXPECT_EQ(static_cast<IAnimatedProperty&>(*p).argument, 0xFFFFFFFFu);
         }
     }
+    // The typed creators make registered objects too, with the fields they were given.
+    Ptr<UIntProperty> version = createUIntProperty("__VERSION__", 3);
+    EXPECT_EQ(version->registry, &ObjectRegistry::instance());
+    EXPECT_EQ(version->value, 3u);
+    auto animated = createAnimatedProperty<AnimatedFloatProperty>("k", 2, {{1.0, 5.0f}});
+    EXPECT_EQ(animated->registry, &ObjectRegistry::instance());
+    EXPECT_EQ(animated->argument, 2u);
+    ASSERT_EQ(animated->keys.size(), 1u);
+    EXPECT_EQ(animated->keys[0].value, 5.0f);
 }
 
 // The float, string and argument forms are in the written user text's exact bytes.
