@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <span>
 #include <unordered_map>
 
 #include "model/utils/NormalSmoother.h"
@@ -64,71 +65,110 @@ void forNeighbours(const Cell& c, F&& f) {
     }
 }
 
-// Every vertex of every node by global number (nodes in order, then vertices in order), sorted by
-// cell and, within a cell, by number.
-class VertexGrid {
-public:
-    explicit VertexGrid(std::span<const SmoothNode> nodes) {
-        std::uint32_t total = 0;
-        for (const SmoothNode& n : nodes) {
-            starts_.push_back(total);
-            total += static_cast<std::uint32_t>(n.vertices.size());
+// A vertex that can meet others, filed under its cell.
+struct GridEntry {
+    Cell cell;
+    std::uint32_t node = 0;
+    std::uint32_t vertex = 0;
+};
+
+// A meeting pair in the order of the pair walk: node a, node b, then v's number in a, then w's in
+// b.
+struct Meeting {
+    std::uint32_t a = 0;
+    std::uint32_t b = 0;
+    std::uint32_t v = 0;
+    std::uint32_t w = 0;
+    bool operator<(const Meeting& o) const {
+        return a != o.a ? a < o.a : b != o.b ? b < o.b : v != o.v ? v < o.v : w < o.w;
+    }
+};
+
+// Every pair of vertices of different nodes that meet, with boxes of their nodes that meet, in the
+// order of the pair walk. Two vertices that meet lie in the same or in neighbouring cells. The
+// vertices are sorted by cell, and each cell is paired with itself and with the 13 neighbours that
+// come after it in that order: a translation keeps the order of the cells, so each neighbour is
+// found by a second cursor moving forward through the same sorted list. Every pair of cells is
+// visited once and the whole search reads memory in order, with no lookups at random places.
+std::vector<Meeting> meetingPairs(std::span<const SmoothNode> nodes) {
+    std::vector<GridEntry> entries;
+    for (std::uint32_t a = 0; a < nodes.size(); ++a) {
+        for (std::uint32_t i = 0; i < nodes[a].vertices.size(); ++i) {
+            const SmoothVertex& v = nodes[a].vertices[i];
+            // A vertex without groups or with a coordinate that is not finite meets nothing.
+            if (v.groups != 0 && isFinite(v.position)) {
+                entries.push_back({cellOf(v.position), a, i});
+            }
         }
-        starts_.push_back(total);
-        std::vector<std::pair<Cell, std::uint32_t>> entries;
-        entries.reserve(total);
-        for (std::uint32_t a = 0; a < nodes.size(); ++a) {
-            for (std::uint32_t i = 0; i < nodes[a].vertices.size(); ++i) {
-                const SmoothVertex& v = nodes[a].vertices[i];
-                // A vertex without groups or with a coordinate that is not finite meets nothing.
-                if (v.groups != 0 && isFinite(v.position)) {
-                    entries.emplace_back(cellOf(v.position), starts_[a] + i);
+    }
+    std::sort(entries.begin(), entries.end(),
+              [](const GridEntry& l, const GridEntry& r) { return l.cell < r.cell; });
+    // The start of each cell's run in entries, and one past the last run.
+    std::vector<std::uint32_t> runs;
+    for (std::uint32_t i = 0; i < entries.size(); ++i) {
+        if (i == 0 || !(entries[i].cell == entries[i - 1].cell)) {
+            runs.push_back(i);
+        }
+    }
+    const auto runCount = static_cast<std::uint32_t>(runs.size());
+    runs.push_back(static_cast<std::uint32_t>(entries.size()));
+
+    std::vector<Meeting> meetings;
+    auto consider = [&](const GridEntry& p, const GridEntry& q) {
+        if (p.node == q.node) {
+            return;
+        }
+        const GridEntry& first = p.node < q.node ? p : q;
+        const GridEntry& second = p.node < q.node ? q : p;
+        const SmoothNode& na = nodes[first.node];
+        const SmoothNode& nb = nodes[second.node];
+        const SmoothVertex& v = na.vertices[first.vertex];
+        if ((v.groups & nb.groupMask) != 0 && verticesMeet(na, v, nb, nb.vertices[second.vertex]) &&
+            boxesMeet(na, nb)) {
+            meetings.push_back({first.node, second.node, first.vertex, second.vertex});
+        }
+    };
+    // Pairs within one cell.
+    for (std::uint32_t r = 0; r < runCount; ++r) {
+        for (std::uint32_t i = runs[r]; i < runs[r + 1]; ++i) {
+            for (std::uint32_t j = i + 1; j < runs[r + 1]; ++j) {
+                consider(entries[i], entries[j]);
+            }
+        }
+    }
+    // Pairs with each later neighbour.
+    for (std::int64_t dx = 0; dx <= 1; ++dx) {
+        for (std::int64_t dy = -1; dy <= 1; ++dy) {
+            for (std::int64_t dz = -1; dz <= 1; ++dz) {
+                const Cell offset{dx, dy, dz};
+                if (!(Cell{} < offset)) {
+                    continue;
+                }
+                std::uint32_t other = 0;
+                for (std::uint32_t r = 0; r < runCount; ++r) {
+                    const Cell& here = entries[runs[r]].cell;
+                    const Cell target{here.x + dx, here.y + dy, here.z + dz};
+                    while (other < runCount && entries[runs[other]].cell < target) {
+                        ++other;
+                    }
+                    if (other == runCount) {
+                        break;
+                    }
+                    if (!(entries[runs[other]].cell == target)) {
+                        continue;
+                    }
+                    for (std::uint32_t i = runs[r]; i < runs[r + 1]; ++i) {
+                        for (std::uint32_t j = runs[other]; j < runs[other + 1]; ++j) {
+                            consider(entries[i], entries[j]);
+                        }
+                    }
                 }
             }
         }
-        std::sort(entries.begin(), entries.end(), [](const auto& l, const auto& r) {
-            return l.first < r.first || (l.first == r.first && l.second < r.second);
-        });
-        numbers_.reserve(entries.size());
-        ranges_.reserve(entries.size());
-        for (std::size_t i = 0; i < entries.size(); ++i) {
-            if (i == 0 || !(entries[i].first == entries[i - 1].first)) {
-                ranges_.emplace(entries[i].first,
-                                Range{static_cast<std::uint32_t>(i), static_cast<std::uint32_t>(i)});
-            }
-            ranges_[entries[i].first].end = static_cast<std::uint32_t>(i + 1);
-            numbers_.push_back(entries[i].second);
-        }
     }
-
-    // The numbers in cell c that are at least from, ascending.
-    std::span<const std::uint32_t> from(const Cell& c, std::uint32_t from) const {
-        auto it = ranges_.find(c);
-        if (it == ranges_.end()) {
-            return {};
-        }
-        auto begin = numbers_.begin() + it->second.begin;
-        auto end = numbers_.begin() + it->second.end;
-        begin = std::lower_bound(begin, end, from);
-        return {begin, end};
-    }
-
-    std::uint32_t start(std::uint32_t node) const { return starts_[node]; }
-    // The node of a global number.
-    std::uint32_t nodeOf(std::uint32_t number) const {
-        return static_cast<std::uint32_t>(std::upper_bound(starts_.begin(), starts_.end(), number) -
-                                          starts_.begin() - 1);
-    }
-
-private:
-    struct Range {
-        std::uint32_t begin = 0;
-        std::uint32_t end = 0;
-    };
-    std::vector<std::uint32_t> starts_;
-    std::vector<std::uint32_t> numbers_;
-    std::unordered_map<Cell, Range, CellHash> ranges_;
-};
+    std::sort(meetings.begin(), meetings.end());
+    return meetings;
+}
 
 // The heads of the clusters made so far, by cell; each cell's list ascends by cluster number.
 class HeadIndex {
@@ -170,14 +210,6 @@ private:
     std::unordered_map<Cell, std::vector<std::uint32_t>, CellHash> cells_;
 };
 
-// A meeting pair in the order of the pair walk: node b, then v's number in a, then w's in b.
-struct Meeting {
-    std::uint32_t b = 0;
-    std::uint32_t v = 0;
-    std::uint32_t w = 0;
-    bool operator<(const Meeting& o) const { return b != o.b ? b < o.b : v != o.v ? v < o.v : w < o.w; }
-};
-
 }  // namespace
 
 std::vector<SmoothCluster> gatherSmoothClusters(std::span<const SmoothNode> nodes) {
@@ -185,52 +217,16 @@ std::vector<SmoothCluster> gatherSmoothClusters(std::span<const SmoothNode> node
     if (nodes.size() < 2) {
         return clusters;
     }
-    const VertexGrid grid(nodes);
     HeadIndex heads(nodes, clusters);
-    std::vector<Meeting> meetings;
-    // Whether the boxes of a and b meet: -1 while not yet known. Only the entries asked for are
-    // reset, so that many small nodes do not cost the square of their number.
-    std::vector<signed char> meets(nodes.size(), -1);
-    std::vector<std::uint32_t> asked;
-    for (std::uint32_t a = 0; a + 1 < nodes.size(); ++a) {
-        const SmoothNode& na = nodes[a];
-        for (std::uint32_t b : asked) {
-            meets[b] = -1;
-        }
-        asked.clear();
-        meetings.clear();
-        const std::uint32_t later = grid.start(a + 1);
-        for (std::uint32_t vi = 0; vi < na.vertices.size(); ++vi) {
-            const SmoothVertex& v = na.vertices[vi];
-            if (v.groups == 0 || !isFinite(v.position)) {
-                continue;
-            }
-            forNeighbours(cellOf(v.position), [&](const Cell& c) {
-                for (std::uint32_t number : grid.from(c, later)) {
-                    std::uint32_t b = grid.nodeOf(number);
-                    const SmoothNode& nb = nodes[b];
-                    if (meets[b] < 0) {
-                        meets[b] = boxesMeet(na, nb) ? 1 : 0;
-                        asked.push_back(b);
-                    }
-                    std::uint32_t wi = number - grid.start(b);
-                    if (meets[b] && (v.groups & nb.groupMask) != 0 &&
-                        verticesMeet(na, v, nb, nb.vertices[wi])) {
-                        meetings.push_back({b, vi, wi});
-                    }
-                }
-            });
-        }
-        std::sort(meetings.begin(), meetings.end());
-        for (const Meeting& m : meetings) {
-            const SmoothVertex& v = na.vertices[m.v];
-            std::uint32_t found = heads.firstMeeting(na, v);
-            if (found != HeadIndex::kNone) {
-                clusters[found].members.push_back({m.b, m.w});
-            } else {
-                heads.add(v, static_cast<std::uint32_t>(clusters.size()));
-                clusters.push_back({{a, m.v}, {{m.b, m.w}}});
-            }
+    for (const Meeting& m : meetingPairs(nodes)) {
+        const SmoothNode& na = nodes[m.a];
+        const SmoothVertex& v = na.vertices[m.v];
+        std::uint32_t found = heads.firstMeeting(na, v);
+        if (found != HeadIndex::kNone) {
+            clusters[found].members.push_back({m.b, m.w});
+        } else {
+            heads.add(v, static_cast<std::uint32_t>(clusters.size()));
+            clusters.push_back({{m.a, m.v}, {{m.b, m.w}}});
         }
     }
     return clusters;

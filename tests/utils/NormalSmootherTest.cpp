@@ -291,6 +291,14 @@ void buildRandom(RandomScene& out, std::uint32_t seed) {
         if (below(10) == 0) {
             points[0][1] = std::numeric_limits<float>::quiet_NaN();
         }
+        // Now and then a node far out, where the search clamps its cells and corners far apart
+        // share one.
+        if (below(15) == 0) {
+            const float far = below(2) == 0 ? 3e9f : 5e9f;
+            for (Point& p : points) {
+                p[0] += far;
+            }
+        }
         addCollected(out, parent, material, i, points, groups, below);
     }
 }
