@@ -75,12 +75,6 @@ void prefetchObject(const void* object, std::size_t size) {
     }
 }
 
-void putU32(unsigned char* at, std::uint32_t value) {
-    for (std::size_t i = 0; i < 4; ++i) {
-        at[i] = static_cast<unsigned char>(value >> (8 * i));
-    }
-}
-
 }  // namespace
 
 NodeIndexMap calcNumTransformNodes(const Ptr<Node>& tree) {
@@ -209,7 +203,7 @@ FilePieces ClassWriter10::savePieces(RootNode& root) {
     FilePieces file;
     file.owned.resize(9 + std::size_t{tableSize});
     std::copy(buffer.begin(), buffer.begin() + 5, file.owned.begin());
-    putU32(file.owned.data() + 5, tableSize);
+    io::storeU32(file.owned.data() + 5, tableSize);
     strings.flattenInto(file.owned.data() + 9);
     file.pieces = file_.pieces(5);
     file.pieces.insert(file.pieces.begin(), file.owned);

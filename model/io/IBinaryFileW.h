@@ -15,6 +15,13 @@
 
 namespace io {
 
+// Stores a 32-bit value at `at` in the file's little-endian order, over bytes written before.
+inline void storeU32(unsigned char* at, std::uint32_t value) {
+    for (int i = 0; i < 4; ++i) {
+        at[i] = static_cast<unsigned char>(value >> (8 * i));
+    }
+}
+
 static_assert(std::endian::native == std::endian::little,
               "block writers copy memory as it stands and need a little-endian host");
 
@@ -60,9 +67,7 @@ public:
     }
     void writeU32(std::uint32_t v) {
         unsigned char b[4];
-        for (int i = 0; i < 4; ++i) {
-            b[i] = static_cast<unsigned char>(v >> (8 * i));
-        }
+        storeU32(b, v);
         write(b, 4);
     }
     void writeU64(std::uint64_t v) {

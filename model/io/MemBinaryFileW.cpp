@@ -18,12 +18,6 @@ constexpr std::size_t kStringBatch = 512;
 // once.
 constexpr std::size_t kFetchAhead = 24;
 
-void putU32At(unsigned char* at, std::uint32_t value) {
-    for (std::size_t b = 0; b < 4; ++b) {
-        at[b] = static_cast<unsigned char>(value >> (8 * b));
-    }
-}
-
 }  // namespace
 
 void MemBinaryFileW::reserve(std::size_t size) {
@@ -179,7 +173,7 @@ void MemBinaryFileW::patchU32(std::uint64_t position, std::uint32_t value) {
     if (at + 4 > used()) {
         throw std::out_of_range("patch past the bytes written");
     }
-    putU32At(data_.get() + at, value);
+    io::storeU32(data_.get() + at, value);
 }
 
 void MemBinaryFileW::placeString(std::string_view text, std::size_t at) {
@@ -187,18 +181,18 @@ void MemBinaryFileW::placeString(std::string_view text, std::size_t at) {
     if (recent.data == text.data() && recent.size == text.size() && !text.empty() &&
         std::memcmp(strings_.index()[recent.ordinal], text.data(), text.size()) == 0) {
         // A text that already has its ordinal: deferred texts before it cannot change that.
-        putU32At(data_.get() + at, recent.ordinal);
+        io::storeU32(data_.get() + at, recent.ordinal);
         return;
     }
     if (!deferStrings_) {
         // Earlier texts take their ordinals first, so the order of first use stays.
         resolveStrings();
         recent = RecentText{text.data(), text.size(), strings_.internOrdinal(text)};
-        putU32At(data_.get() + at, recent.ordinal);
+        io::storeU32(data_.get() + at, recent.ordinal);
         return;
     }
     const std::uint64_t hash = StringPool::hashOf(text);
-    putU32At(data_.get() + at, 0);
+    io::storeU32(data_.get() + at, 0);
     pending_.push_back(PendingString{at, hash, text.data(), pendingText_.size(), text.size()});
     pendingText_.insert(pendingText_.end(), text.begin(), text.end());
     if (pending_.size() == kStringBatch) {
@@ -254,7 +248,7 @@ void MemBinaryFileW::resolveStrings() {
         const PendingString& p = pending_[i];
         const std::uint32_t ordinal =
             strings_.internOrdinal(std::string_view(pendingText_.data() + p.textAt, p.length), p.hash);
-        putU32At(data_.get() + p.position, ordinal);
+        io::storeU32(data_.get() + p.position, ordinal);
         recentSlot(p.data) = RecentText{p.data, p.length, ordinal};
     }
     pending_.clear();
